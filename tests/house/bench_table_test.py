@@ -1,0 +1,70 @@
+"""Tests of tools/bench_table.py."""
+
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "tools/bench_table.py"
+
+
+def result(name, cpu, real=None, unit="ns", **more):
+    return {"name": name, "run_type": "iteration", "cpu_time": cpu, "real_time": real or cpu, "time_unit": unit, **more}
+
+
+class BenchTable(unittest.TestCase):
+    def run_table(self, results, gates):
+        with tempfile.TemporaryDirectory() as folder:
+            data = pathlib.Path(folder, "result.json")
+            data.write_text(json.dumps({"benchmarks": results}), encoding="utf-8")
+            gate_file = pathlib.Path(folder, "gates.json")
+            gate_file.write_text(json.dumps(gates), encoding="utf-8")
+            return subprocess.run([sys.executable, SCRIPT, "--gates", gate_file, data], capture_output=True, text=True,
+                                  check=False)
+
+    def test_ratio_is_of_the_medians(self):
+        results = [result("BM_A/engine", time) for time in (30, 31, 900)]
+        results += [result("BM_A/floor", time) for time in (20, 1, 21)]
+        run = self.run_table(results, {"BM_A": {"max_ratio": 1.6}})
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertRegex(run.stdout, r"BM_A +31\.00 ns +20\.00 ns +1\.55 +1\.6 +ok")
+
+    def test_ratio_above_its_gate_fails(self):
+        run = self.run_table([result("BM_A/engine", 3), result("BM_A/floor", 2)], {"BM_A": {"max_ratio": 1.4}})
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("TOO SLOW", run.stdout)
+        self.assertIn("BM_A takes 1.50 times its floor, at most 1.4 is allowed", run.stderr)
+
+    def test_gate_of_the_name_holds_for_each_argument(self):
+        results = [result("BM_A/engine/10/repeats:9", 3), result("BM_A/floor/10/repeats:9", 2)]
+        run = self.run_table(results, {"BM_A": {"max_ratio": 1.4}})
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("BM_A/10 takes 1.50", run.stderr)
+
+    def test_clock_is_compared_when_the_name_says_so(self):
+        results = [result("BM_A/engine/real_time", 1, 50, "us"), result("BM_A/floor/real_time", 1, 25000)]
+        run = self.run_table(results, {})
+        self.assertRegex(run.stdout, r"BM_A +50\.00 us +25\.00 us +2\.00")
+
+    def test_pair_without_floor_fails(self):
+        run = self.run_table([result("BM_A/engine", 3)], {})
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("BM_A has no floor", run.stderr)
+
+    def test_gate_without_benchmark_fails(self):
+        run = self.run_table([result("BM_A/engine", 2), result("BM_A/floor", 2)], {"BM_B": {"max_ratio": 1}})
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("BM_B has a gate and did not run", run.stderr)
+
+    def test_aggregates_and_other_benchmarks_are_left_out(self):
+        results = [result("BM_A/engine", 2), result("BM_A/floor", 2), result("BM_Other", 7)]
+        results.append({**result("BM_A/engine_median", 99), "run_type": "aggregate"})
+        run = self.run_table(results, {})
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertNotIn("99", run.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
