@@ -1,0 +1,126 @@
+#pragma once
+
+/// \file
+/// The constants of pixel formats and context attributes that the platform functions take, on every platform. Each one
+/// is guarded, so that the file lives beside the system's headers and beside a GL binding.
+
+#include <renderengine/PlatformTypes.h>
+
+#ifndef PFD_DOUBLEBUFFER
+#define PFD_DOUBLEBUFFER 0x00000001
+#endif
+#ifndef PFD_STEREO
+#define PFD_STEREO 0x00000002
+#endif
+#ifndef PFD_DRAW_TO_WINDOW
+#define PFD_DRAW_TO_WINDOW 0x00000004
+#endif
+#ifndef PFD_SUPPORT_GDI
+#define PFD_SUPPORT_GDI 0x00000010
+#endif
+#ifndef PFD_SUPPORT_OPENGL
+#define PFD_SUPPORT_OPENGL 0x00000020
+#endif
+#ifndef PFD_SUPPORT_COMPOSITION
+#define PFD_SUPPORT_COMPOSITION 0x00008000
+#endif
+#ifndef PFD_TYPE_RGBA
+#define PFD_TYPE_RGBA 0
+#endif
+#ifndef PFD_TYPE_COLORINDEX
+#define PFD_TYPE_COLORINDEX 1
+#endif
+
+// Pixel format attributes.
+#ifndef WGL_NUMBER_PIXEL_FORMATS_ARB
+#define WGL_NUMBER_PIXEL_FORMATS_ARB 0x2000
+#endif
+#ifndef WGL_DRAW_TO_WINDOW_ARB
+#define WGL_DRAW_TO_WINDOW_ARB 0x2001
+#endif
+#ifndef WGL_ACCELERATION_ARB
+#define WGL_ACCELERATION_ARB 0x2003
+#endif
+#ifndef WGL_NUMBER_OVERLAYS_ARB
+#define WGL_NUMBER_OVERLAYS_ARB 0x2008
+#endif
+#ifndef WGL_SUPPORT_GDI_ARB
+#define WGL_SUPPORT_GDI_ARB 0x200F
+#endif
+#ifndef WGL_SUPPORT_OPENGL_ARB
+#define WGL_SUPPORT_OPENGL_ARB 0x2010
+#endif
+#ifndef WGL_DOUBLE_BUFFER_ARB
+#define WGL_DOUBLE_BUFFER_ARB 0x2011
+#endif
+#ifndef WGL_STEREO_ARB
+#define WGL_STEREO_ARB 0x2012
+#endif
+#ifndef WGL_PIXEL_TYPE_ARB
+#define WGL_PIXEL_TYPE_ARB 0x2013
+#endif
+#ifndef WGL_RED_BITS_ARB
+#define WGL_RED_BITS_ARB 0x2015
+#endif
+#ifndef WGL_GREEN_BITS_ARB
+#define WGL_GREEN_BITS_ARB 0x2017
+#endif
+#ifndef WGL_BLUE_BITS_ARB
+#define WGL_BLUE_BITS_ARB 0x2019
+#endif
+#ifndef WGL_ALPHA_BITS_ARB
+#define WGL_ALPHA_BITS_ARB 0x201B
+#endif
+#ifndef WGL_DEPTH_BITS_ARB
+#define WGL_DEPTH_BITS_ARB 0x2022
+#endif
+#ifndef WGL_STENCIL_BITS_ARB
+#define WGL_STENCIL_BITS_ARB 0x2023
+#endif
+#ifndef WGL_FULL_ACCELERATION_ARB
+#define WGL_FULL_ACCELERATION_ARB 0x2027
+#endif
+#ifndef WGL_TYPE_RGBA_ARB
+#define WGL_TYPE_RGBA_ARB 0x202B
+#endif
+#ifndef WGL_TYPE_COLORINDEX_ARB
+#define WGL_TYPE_COLORINDEX_ARB 0x202C
+#endif
+#ifndef WGL_SAMPLE_BUFFERS_ARB
+#define WGL_SAMPLE_BUFFERS_ARB 0x2041
+#endif
+#ifndef WGL_SAMPLES_ARB
+#define WGL_SAMPLES_ARB 0x2042
+#endif
+#ifndef WGL_TYPE_RGBA_FLOAT_ARB
+#define WGL_TYPE_RGBA_FLOAT_ARB 0x21A0
+#endif
+
+// Context attributes.
+#ifndef WGL_CONTEXT_DEBUG_BIT_ARB
+#define WGL_CONTEXT_DEBUG_BIT_ARB 0x00000001
+#endif
+#ifndef WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB
+#define WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB 0x00000002
+#endif
+#ifndef WGL_CONTEXT_CORE_PROFILE_BIT_ARB
+#define WGL_CONTEXT_CORE_PROFILE_BIT_ARB 0x00000001
+#endif
+#ifndef WGL_CONTEXT_COMPATIBILITY_PROFILE_BIT_ARB
+#define WGL_CONTEXT_COMPATIBILITY_PROFILE_BIT_ARB 0x00000002
+#endif
+#ifndef WGL_CONTEXT_MAJOR_VERSION_ARB
+#define WGL_CONTEXT_MAJOR_VERSION_ARB 0x2091
+#endif
+#ifndef WGL_CONTEXT_MINOR_VERSION_ARB
+#define WGL_CONTEXT_MINOR_VERSION_ARB 0x2092
+#endif
+#ifndef WGL_CONTEXT_LAYER_PLANE_ARB
+#define WGL_CONTEXT_LAYER_PLANE_ARB 0x2093
+#endif
+#ifndef WGL_CONTEXT_FLAGS_ARB
+#define WGL_CONTEXT_FLAGS_ARB 0x2094
+#endif
+#ifndef WGL_CONTEXT_PROFILE_MASK_ARB
+#define WGL_CONTEXT_PROFILE_MASK_ARB 0x9126
+#endif

@@ -1,0 +1,274 @@
+#include "commands/CommandArena.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <new>
+#include <utility>
+
+#if defined(__SANITIZE_ADDRESS__)
+extern "C" void __asan_poison_memory_region(void const volatile* address, std::size_t size);
+#endif
+
+namespace renderengine
+{
+
+namespace
+{
+
+/// More than the blocks of any chunk.
+constexpr uint32_t Credit = 1u << 30;
+
+constexpr uint32_t FirstPageCount = 1;
+constexpr uint32_t LargestPageCount = 64;
+
+/// Makes the address sanitizer report any use of memory that no command owns.
+void poison([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) noexcept
+{
+#if defined(__SANITIZE_ADDRESS__)
+    __asan_poison_memory_region(memory, size);
+#endif
+}
+
+} // namespace
+
+/// The head of the first page; the other pages start with the pointer only.
+struct CommandArena::Chunk
+{
+    explicit Chunk(uint32_t pages) noexcept : chunk(this), pageCount(pages) {}
+
+    static Chunk* create(uint32_t pageCount);
+    static void destroy(Chunk* chunk) noexcept;
+
+    /// Subtracts from the count and frees the chunk when nothing is left.
+    static void release(Chunk* chunk, uint32_t count) noexcept
+    {
+        if (chunk->live.fetch_sub(count, std::memory_order_acq_rel) == count)
+        {
+            destroy(chunk);
+        }
+    }
+
+    Chunk* chunk;
+    /// Credit of the list plus blocks that it took and that are alive, see CommandArena.
+    std::atomic<uint32_t> live{Credit};
+    uint32_t pageCount;
+};
+
+namespace
+{
+
+/// Free chunks of the largest size. Lists that are emptied and filled again every frame take their chunks from here;
+/// through the heap they would give them back to the system and fault their pages in again.
+class ChunkPool
+{
+public:
+    /// A free chunk, or null.
+    void* take() noexcept
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        FreeChunk* const chunk = m_first;
+        if (chunk != nullptr)
+        {
+            m_first = chunk->next;
+            --m_count;
+        }
+        return chunk;
+    }
+
+    /// Keeps a chunk and answers true, unless there are enough.
+    bool give(void* memory) noexcept
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_count >= m_capacity)
+        {
+            return false;
+        }
+        m_first = new (memory) FreeChunk{m_first};
+        ++m_count;
+        return true;
+    }
+
+    /// Frees all chunks and keeps none from now on.
+    void close() noexcept
+    {
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_capacity = 0;
+        }
+        while (void* memory = take())
+        {
+            ::operator delete(memory, std::align_val_t(CommandArena::PageSize));
+        }
+    }
+
+private:
+    struct FreeChunk
+    {
+        FreeChunk* next;
+    };
+
+    std::mutex m_mutex;
+    FreeChunk* m_first = nullptr;
+    uint32_t m_count = 0;
+    /// 4 MiB, which is a scene of 125000 draws.
+    uint32_t m_capacity = 64;
+};
+
+ChunkPool s_pool;
+
+/// Commands may still be freed after the pool is closed, by static objects of the client: the pool stays usable.
+struct PoolCloser
+{
+    ~PoolCloser() { s_pool.close(); }
+};
+
+PoolCloser s_poolCloser;
+
+} // namespace
+
+CommandArena::Chunk* CommandArena::Chunk::create(uint32_t pageCount)
+{
+    void* memory = pageCount == LargestPageCount ? s_pool.take() : nullptr;
+    if (memory == nullptr)
+    {
+        memory = ::operator new(pageCount * PageSize, std::align_val_t(PageSize));
+    }
+    return new (memory) Chunk(pageCount);
+}
+
+void CommandArena::Chunk::destroy(Chunk* chunk) noexcept
+{
+    const bool pooled = chunk->pageCount == LargestPageCount;
+    chunk->~Chunk();
+    if (!pooled || !s_pool.give(chunk))
+    {
+        ::operator delete(chunk, std::align_val_t(PageSize));
+    }
+}
+
+CommandArena::CommandArena(CommandArena&& other) noexcept
+    : m_cursor(std::exchange(other.m_cursor, nullptr)), m_pageEnd(std::exchange(other.m_pageEnd, nullptr)),
+      m_chunk(std::exchange(other.m_chunk, nullptr)), m_used(std::exchange(other.m_used, 0)),
+      m_page(std::exchange(other.m_page, 0))
+{
+}
+
+CommandArena& CommandArena::operator=(CommandArena&& other) noexcept
+{
+    if (this != &other)
+    {
+        retire();
+        m_cursor = std::exchange(other.m_cursor, nullptr);
+        m_pageEnd = std::exchange(other.m_pageEnd, nullptr);
+        m_chunk = std::exchange(other.m_chunk, nullptr);
+        m_used = std::exchange(other.m_used, 0);
+        m_page = std::exchange(other.m_page, 0);
+    }
+    return *this;
+}
+
+void CommandArena::deallocate(void* block, std::size_t size) noexcept
+{
+    poison(block, size);
+    const auto address = reinterpret_cast<uintptr_t>(block);
+    const auto page = reinterpret_cast<Chunk* const*>(address & ~uintptr_t(PageSize - 1));
+    if (s_freeBatch != nullptr)
+    {
+        s_freeBatch->add(*page);
+    }
+    else
+    {
+        Chunk::release(*page, 1);
+    }
+}
+
+CommandArena::FreeBatch::FreeBatch() noexcept : m_outer(s_freeBatch)
+{
+    s_freeBatch = this;
+}
+
+CommandArena::FreeBatch::~FreeBatch()
+{
+    s_freeBatch = m_outer;
+    if (m_chunk != nullptr)
+    {
+        Chunk::release(m_chunk, m_count);
+    }
+}
+
+void CommandArena::FreeBatch::add(Chunk* chunk) noexcept
+{
+    if (chunk != m_chunk)
+    {
+        if (m_chunk != nullptr)
+        {
+            Chunk::release(m_chunk, m_count);
+        }
+        m_chunk = chunk;
+        m_count = 0;
+    }
+    ++m_count;
+}
+
+void CommandArena::recycle() noexcept
+{
+    if (m_chunk != nullptr && m_chunk->live.load(std::memory_order_acquire) == Credit - m_used)
+    {
+        m_chunk->live.store(Credit, std::memory_order_relaxed);
+        m_used = 0;
+        openPage(0);
+    }
+}
+
+void CommandArena::nextPage()
+{
+    if (m_chunk != nullptr && m_page + 1 < m_chunk->pageCount)
+    {
+        openPage(m_page + 1);
+    }
+    else
+    {
+        addChunk();
+    }
+}
+
+void CommandArena::addChunk()
+{
+    const uint32_t pageCount =
+        m_chunk != nullptr ? std::min(m_chunk->pageCount * 2, LargestPageCount) : FirstPageCount;
+    Chunk* const chunk = Chunk::create(pageCount);
+    retire();
+    m_chunk = chunk;
+    openPage(0);
+}
+
+void CommandArena::openPage(uint32_t page) noexcept
+{
+    char* start = reinterpret_cast<char*>(m_chunk) + page * PageSize;
+    std::size_t headSize = sizeof(Chunk);
+    if (page != 0)
+    {
+        new (start) Chunk*(m_chunk);
+        headSize = sizeof(Chunk*);
+    }
+    m_page = page;
+    m_cursor = start + headSize;
+    m_pageEnd = start + PageSize;
+    poison(m_cursor, PageSize - headSize);
+}
+
+void CommandArena::retire() noexcept
+{
+    if (m_chunk != nullptr)
+    {
+        Chunk::release(m_chunk, Credit - m_used);
+        m_cursor = nullptr;
+        m_pageEnd = nullptr;
+        m_chunk = nullptr;
+        m_used = 0;
+        m_page = 0;
+    }
+}
+
+} // namespace renderengine

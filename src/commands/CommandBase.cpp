@@ -1,0 +1,11 @@
+#include "commands/CommandBase.h"
+
+namespace renderengine
+{
+
+std::string CommandBase::name() const
+{
+    return "CommandBase";
+}
+
+} // namespace renderengine

@@ -1,0 +1,42 @@
+#include "commands/CommandBuffer.h"
+
+namespace renderengine
+{
+
+void CommandBuffer::append(const CommandBuffer& other)
+{
+    append(other, SbVec2i32(0, static_cast<int32_t>(other.m_commands.size())));
+}
+
+void CommandBuffer::append(const CommandBuffer& other, const SbVec2i32& range)
+{
+    if (this == &other)
+    {
+        // Inserting a vector's own elements is undefined, so they are taken by index once there is room.
+        m_commands.reserve(m_commands.size() + static_cast<std::size_t>(range[1] - range[0]));
+        for (int32_t i = range[0]; i < range[1]; ++i)
+        {
+            m_commands.push_back(m_commands[static_cast<std::size_t>(i)]);
+        }
+        return;
+    }
+    m_commands.insert(m_commands.end(), other.m_commands.begin() + range[0], other.m_commands.begin() + range[1]);
+}
+
+void CommandBuffer::clear()
+{
+    {
+        const CommandArena::FreeBatch batch;
+        m_commands.clear();
+    }
+    m_arena.recycle();
+}
+
+void CommandBuffer::grow()
+{
+    // A long list grows by half instead of twice: its unused end counts in the memory that a recording takes.
+    const std::size_t size = m_commands.size();
+    m_commands.reserve(size < 4096 ? size * 2 + 8 : size + size / 2);
+}
+
+} // namespace renderengine

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include <kavelor/SbVec.h>
+
+#include "commands/CommandArena.h"
+#include "commands/CommandBase.h"
+
+namespace renderengine
+{
+
+/// A list of commands in recording order. It has no lock.
+///
+/// Commands are shared: a list drops its references, and a command goes with the last of them, on whatever thread that
+/// happens. The commands that a list makes itself come from an arena of its own, see CommandArena.
+class CommandBuffer
+{
+public:
+    using Commands = std::vector<std::shared_ptr<CommandBase>>;
+
+    CommandBuffer() = default;
+    CommandBuffer(CommandBuffer&&) noexcept = default;
+    CommandBuffer& operator=(CommandBuffer&&) noexcept = default;
+    ~CommandBuffer() { clear(); }
+
+    /// Makes a command and appends it. The list keeps the ownership; the pointer is for filling the command.
+    template <class T>
+    T* add()
+    {
+        if (m_commands.size() == m_commands.capacity())
+        {
+            grow();
+        }
+        CommandArena::s_current = &m_arena;
+        std::shared_ptr<T> command = std::allocate_shared<T>(CommandAllocator<T>());
+        T* const added = command.get();
+        m_commands.push_back(std::move(command));
+        return added;
+    }
+
+    /// Appends a command and fills it with the arguments. When filling throws, the list is as before.
+    template <class T, class... Arguments>
+    void record(Arguments&&... arguments)
+    {
+        T* const command = add<T>();
+        if constexpr (noexcept(command->set(std::forward<Arguments>(arguments)...)))
+        {
+            command->set(std::forward<Arguments>(arguments)...);
+        }
+        else
+        {
+            try
+            {
+                command->set(std::forward<Arguments>(arguments)...);
+            }
+            catch (...)
+            {
+                m_commands.pop_back();
+                throw;
+            }
+        }
+    }
+
+    /// Appends the commands of another list, which goes on sharing them.
+    void append(const CommandBuffer& other);
+
+    /// Appends the commands of another list from index `range[0]` up to but not including `range[1]`, which must lie
+    /// inside that list.
+    void append(const CommandBuffer& other, const SbVec2i32& range);
+
+    /// Drops all commands and keeps the room that they took in the list.
+    void clear();
+
+    /// The number of commands.
+    uint64_t size() const { return m_commands.size(); }
+
+    Commands::const_iterator begin() const { return m_commands.begin(); }
+    Commands::const_iterator end() const { return m_commands.end(); }
+
+private:
+    void grow();
+
+    Commands m_commands;
+    CommandArena m_arena;
+};
+
+} // namespace renderengine
