@@ -1,0 +1,41 @@
+#pragma once
+
+#include <spdlog/sinks/ostream_sink.h>
+#include <spdlog/spdlog.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+
+namespace renderengine::testing
+{
+
+/// While it lives, what goes to the default logger ends here as bare text, trace level included.
+class LogCapture
+{
+public:
+    LogCapture() : m_former(spdlog::default_logger())
+    {
+        auto logger = std::make_shared<spdlog::logger>("", std::make_shared<spdlog::sinks::ostream_sink_mt>(m_stream));
+        logger->set_pattern("%v");
+        logger->set_level(spdlog::level::trace);
+        spdlog::set_default_logger(logger);
+    }
+    ~LogCapture() { spdlog::set_default_logger(m_former); }
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    /// The lines so far, each with its end of line, which are then forgotten.
+    std::string take()
+    {
+        std::string text = m_stream.str();
+        m_stream.str("");
+        return text;
+    }
+
+private:
+    std::shared_ptr<spdlog::logger> m_former;
+    std::ostringstream m_stream;
+};
+
+} // namespace renderengine::testing
