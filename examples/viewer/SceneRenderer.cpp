@@ -1,0 +1,437 @@
+#include "SceneRenderer.h"
+
+#include "Images.h"
+#include "Shaders.h"
+
+#include <renderengine/renderengine.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+namespace viewer
+{
+
+using namespace renderengine;
+
+namespace
+{
+
+// Indices of the engine's tables (see docs/records.md for their meaning).
+constexpr uint32_t c_texture2D = 2;
+constexpr uint32_t c_texture2DMultisample = 3;
+constexpr uint32_t c_depthStencil = 2;
+constexpr uint32_t c_rgba = 8;
+constexpr uint32_t c_rgba8 = 21;
+constexpr uint32_t c_srgb8Alpha8 = 29;
+constexpr uint32_t c_depth24Stencil8 = 84;
+constexpr uint8_t c_colorAttachment0 = 0;
+constexpr uint8_t c_depthStencilAttachment = 19;
+constexpr uint32_t c_vertexStage = 0;
+constexpr uint32_t c_fragmentStage = 2;
+constexpr uint32_t c_triangles = 4;
+constexpr uint8_t c_cullNone = 0;
+constexpr uint8_t c_samples = 4; // what every OpenGL 4 device offers
+
+const SbVec4f c_background(0.925f, 0.935f, 0.95f, 1.0f);
+
+// The uniform blocks of the shaders, in their std140 layout.
+struct CameraBlock
+{
+    SbMatrix viewProjection;
+    SbVec4f eye;
+    SbVec4f right;
+    SbVec4f up;
+    SbVec4f back;
+};
+
+struct TransformBlock
+{
+    SbMatrix model;
+    SbMatrix normalMatrix;
+};
+
+struct MaterialBlock
+{
+    SbVec4f baseColor;
+    SbVec4f emissive;
+    SbVec4f surface;
+};
+
+SbVec4f extended(const SbVec3f& v, float w)
+{
+    return SbVec4f(v[0], v[1], v[2], w);
+}
+
+// Normals stay perpendicular to their surface under the transposed inverse, also when the model is scaled unevenly.
+SbMatrix normalMatrixOf(const SbMatrix& model)
+{
+    SbMatrix linear = model;
+    for (int column = 0; column < 3; ++column)
+        linear[3][column] = 0.0f;
+    return linear.inverse().transpose();
+}
+
+float distanceAlong(const SbVec3f& direction, const SbMatrix& model, const Mesh& mesh)
+{
+    Bounds bounds;
+    for (const SbVec3f& position : mesh.positions)
+        bounds.extend(position);
+    const SbVec3f center = model.multVecMatrix(bounds.center());
+    return center[0] * direction[0] + center[1] * direction[1] + center[2] * direction[2];
+}
+
+// Opaque instances as they come, then the transparent ones from the farthest to the nearest.
+std::vector<std::size_t> drawOrder(const Model& model, const SbVec3f& back)
+{
+    std::vector<std::size_t> order;
+    std::vector<std::pair<float, std::size_t>> transparent;
+    for (std::size_t i = 0; i < model.instances.size(); ++i)
+    {
+        const Instance& instance = model.instances[i];
+        const Mesh& mesh = model.meshes[instance.mesh];
+        if (model.materials[mesh.material].isTransparent())
+            transparent.emplace_back(distanceAlong(back, instance.model, mesh), i);
+        else
+            order.push_back(i);
+    }
+    std::stable_sort(transparent.begin(), transparent.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (const auto& entry : transparent)
+        order.push_back(entry.second);
+    return order;
+}
+
+std::shared_ptr<const GfxStateProperties> opaqueState()
+{
+    auto state = std::make_shared<GfxStateProperties>();
+    state->rasterizer.cullMode = c_cullNone;
+    return state;
+}
+
+std::shared_ptr<const GfxStateProperties> transparentState()
+{
+    constexpr uint8_t one = 1;
+    constexpr uint8_t sourceAlpha = 6;
+    constexpr uint8_t oneMinusSourceAlpha = 7;
+    auto state = std::make_shared<GfxStateProperties>();
+    state->rasterizer.cullMode = c_cullNone;
+    state->depthStencil.depthWrite = false;
+    ColorTargetProperties& target = state->colorOutput.targets[0];
+    target.blendEnable = 1;
+    target.srcColor = sourceAlpha;
+    target.dstColor = oneMinusSourceAlpha;
+    target.srcAlpha = one;
+    target.dstAlpha = oneMinusSourceAlpha;
+    return state;
+}
+
+OverallAttribute constantAttribute(const char* name, const SbVec4f& value, uint8_t components)
+{
+    OverallAttribute attribute;
+    attribute.name = name;
+    attribute.dataType = SbDataType::FLOAT;
+    attribute.componentCount = components;
+    std::memcpy(attribute.value, value.getValue(), sizeof(float) * components);
+    return attribute;
+}
+
+template <typename T> std::size_t byteSize(const std::vector<T>& values)
+{
+    return values.size() * sizeof(T);
+}
+
+} // namespace
+
+struct SceneRenderer::MeshResources
+{
+    std::vector<VertexBufferHandle> vertexBuffers;
+    std::vector<OverallAttribute> constants;
+    IndexBufferHandle indexBuffer;
+};
+
+SceneRenderer::SceneRenderer(ContextInterface& context, const Model& model, uint32_t width, uint32_t height)
+    : m_context(context), m_width(width), m_height(height),
+      m_camera(fitCamera(model, static_cast<float>(width) / static_cast<float>(height))),
+      m_setup(std::make_shared<RenderCache>()), m_frame(std::make_shared<RenderCache>()),
+      m_readback(std::make_shared<RenderCache>())
+{
+    m_context.setSize(width, height);
+    createTargets();
+    createProgram();
+    createTextures(model);
+    createMaterials(model);
+    createCamera(model);
+    createDraws(model);
+    recordFrame(model);
+}
+
+TextureHandle SceneRenderer::createTarget(uint32_t type, uint8_t samples, uint32_t format, uint32_t internalFormat)
+{
+    TextureProperties properties;
+    properties.type = type;
+    properties.width = m_width;
+    properties.height = m_height;
+    properties.samples = samples;
+    properties.format = format;
+    properties.internalFormat = internalFormat;
+    return m_context.createTexture(properties);
+}
+
+void SceneRenderer::createTargets()
+{
+    const TextureHandle color = createTarget(c_texture2DMultisample, c_samples, c_rgba, c_rgba8);
+    const TextureHandle depth = createTarget(c_texture2DMultisample, c_samples, c_depthStencil, c_depth24Stencil8);
+    m_resolvedColor = createTarget(c_texture2D, 1, c_rgba, c_rgba8);
+
+    const auto attached = [](TextureHandle texture, uint8_t attachment)
+    {
+        RenderTextureProperty property;
+        property.texture = texture;
+        property.attachment = attachment;
+        return property;
+    };
+    RenderTargetProperties multisample;
+    multisample.attachments = {attached(color, c_colorAttachment0), attached(depth, c_depthStencilAttachment)};
+    m_multisampleTarget = m_context.createRenderTarget(multisample);
+
+    RenderTargetProperties resolve;
+    resolve.attachments = {attached(m_resolvedColor, c_colorAttachment0)};
+    m_resolveTarget = m_context.createRenderTarget(resolve);
+
+    ViewportProperties viewport;
+    viewport.rectangle = SbVec4i32(0, 0, static_cast<int32_t>(m_width), static_cast<int32_t>(m_height));
+    m_viewport = m_context.createViewport(viewport);
+}
+
+void SceneRenderer::createProgram()
+{
+    const auto compile = [this](uint32_t stage, const char* source)
+    {
+        ShaderObjectProperties properties;
+        properties.stage = stage;
+        properties.source = source;
+        const ShaderObjectHandle shader = m_context.createShaderObject(properties);
+        const std::string& log = m_context.getShaderObjectLog(shader);
+        if (!log.empty())
+            throw std::runtime_error("a shader does not compile: " + log);
+        return shader;
+    };
+    ShaderProgramProperties properties;
+    properties.shaderObjects = {compile(c_vertexStage, c_vertexShader), compile(c_fragmentStage, c_fragmentShader)};
+    m_program = m_context.createShaderProgram(properties);
+    const std::string& log = m_context.getShaderProgramLog(m_program);
+    if (!log.empty())
+        throw std::runtime_error("the shaders do not link: " + log);
+    for (const ShaderObjectHandle& shader : properties.shaderObjects)
+        m_context.destroyShaderObject(shader);
+
+    ShaderParameterProperties<int> unit;
+    unit.name = "baseColorTexture";
+    unit.value = 0;
+    m_textureUnit = m_context.createShaderParameter(unit);
+}
+
+void SceneRenderer::createTextures(const Model& model)
+{
+    SamplerProperties sampler;
+    sampler.maxAnisotropy = 8.0f;
+    m_sampler = m_context.createSampler(sampler);
+
+    const auto limit = static_cast<uint32_t>(m_context.getContextInfo().maxTextureSize);
+    for (const Image& image : model.images)
+    {
+        if (image.width > limit || image.height > limit)
+        {
+            m_textures.emplace_back();
+            continue;
+        }
+        TextureProperties properties;
+        properties.type = c_texture2D;
+        properties.width = image.width;
+        properties.height = image.height;
+        properties.format = c_rgba;
+        properties.internalFormat = c_srgb8Alpha8;
+        properties.maxLevel = static_cast<uint16_t>(std::log2(std::max(image.width, image.height)));
+        properties.data = {image.pixels.data()};
+        m_textures.push_back(m_context.createTexture(properties));
+        m_setup->generateMipmap(m_textures.back());
+    }
+}
+
+BufferHandle SceneRenderer::createBuffer(const void* data, std::size_t size)
+{
+    BufferProperties properties;
+    properties.size = size;
+    properties.data = data;
+    return m_context.createBuffer(properties);
+}
+
+ShaderBufferHandle SceneRenderer::createBlock(const char* name, const void* data, std::size_t size)
+{
+    ShaderBufferProperties properties;
+    properties.buffer = createBuffer(data, size);
+    properties.name = name;
+    return m_context.createShaderBuffer(properties);
+}
+
+VertexBufferHandle SceneRenderer::createAttribute(const char* name, const void* data, std::size_t size,
+                                                  uint8_t components)
+{
+    VertexBufferProperties properties;
+    properties.dataType = SbDataType::FLOAT;
+    properties.componentCount = components;
+    properties.buffer = createBuffer(data, size);
+    properties.name = name;
+    return m_context.createVertexBuffer(properties);
+}
+
+void SceneRenderer::createMaterials(const Model& model)
+{
+    for (const Material& material : model.materials)
+    {
+        const bool textured =
+            material.baseColorImage >= 0 && m_textures[static_cast<std::size_t>(material.baseColorImage)].isValid();
+        MaterialBlock block;
+        block.baseColor = material.baseColor;
+        block.emissive = extended(material.emissive, 0.0f);
+        block.surface = SbVec4f(material.metallic, material.roughness, material.alphaCutoff, textured ? 1.0f : 0.0f);
+        m_materialBlocks.push_back(createBlock("MaterialBlock", &block, sizeof(block)));
+    }
+}
+
+void SceneRenderer::createCamera(const Model& model)
+{
+    CameraBlock block;
+    block.viewProjection = m_camera.viewProjection;
+    block.eye = extended(m_camera.eye, 1.0f);
+    block.right = extended(m_camera.right, 0.0f);
+    block.up = extended(m_camera.up, 0.0f);
+    block.back = extended(m_camera.back, 0.0f);
+    m_cameraBlock = createBlock("CameraBlock", &block, sizeof(block));
+
+    // One shader state a texture, and one without: draws of the same texture share it.
+    m_shaderStates.push_back(shaderStateFor(-1));
+    for (std::size_t image = 0; image < model.images.size(); ++image)
+        m_shaderStates.push_back(shaderStateFor(static_cast<int>(image)));
+}
+
+std::shared_ptr<const ShaderStateCoreProperties> SceneRenderer::shaderStateFor(int image)
+{
+    auto state = std::make_shared<ShaderStateCoreProperties>();
+    state->program = m_program;
+    state->renderTarget = m_multisampleTarget;
+    state->viewport = m_viewport;
+    state->shaderParameters = {m_textureUnit};
+    state->shaderBuffers = {m_cameraBlock};
+    if (image >= 0 && m_textures[static_cast<std::size_t>(image)].isValid())
+    {
+        state->textures.mask = 1u;
+        state->textures.textures[0] = m_textures[static_cast<std::size_t>(image)];
+        state->textures.samplers[0] = m_sampler;
+    }
+    return state;
+}
+
+SceneRenderer::MeshResources SceneRenderer::createMesh(const Mesh& mesh)
+{
+    MeshResources resources;
+    resources.vertexBuffers.push_back(createAttribute("position", mesh.positions.data(), byteSize(mesh.positions), 3));
+    resources.vertexBuffers.push_back(createAttribute("normal", mesh.normals.data(), byteSize(mesh.normals), 3));
+    if (mesh.texCoords.empty())
+        resources.constants.push_back(constantAttribute("texCoord", SbVec4f(0.0f, 0.0f, 0.0f, 0.0f), 2));
+    else
+        resources.vertexBuffers.push_back(
+            createAttribute("texCoord", mesh.texCoords.data(), byteSize(mesh.texCoords), 2));
+    if (mesh.colors.empty())
+        resources.constants.push_back(constantAttribute("color", SbVec4f(1.0f, 1.0f, 1.0f, 1.0f), 4));
+    else
+        resources.vertexBuffers.push_back(createAttribute("color", mesh.colors.data(), byteSize(mesh.colors), 4));
+
+    IndexBufferProperties indices;
+    indices.dataType = SbDataType::UNSIGNED_INT;
+    indices.buffer = createBuffer(mesh.indices.data(), byteSize(mesh.indices));
+    resources.indexBuffer = m_context.createIndexBuffer(indices);
+    return resources;
+}
+
+void SceneRenderer::createDraws(const Model& model)
+{
+    std::vector<MeshResources> meshes;
+    for (const Mesh& mesh : model.meshes)
+        meshes.push_back(createMesh(mesh));
+
+    const auto opaque = opaqueState();
+    const auto transparent = transparentState();
+    for (const Instance& instance : model.instances)
+    {
+        const Mesh& mesh = model.meshes[instance.mesh];
+        const Material& material = model.materials[mesh.material];
+
+        TransformBlock transform;
+        transform.model = instance.model;
+        transform.normalMatrix = normalMatrixOf(instance.model);
+
+        DrawProperties properties;
+        properties.vertexBuffers = meshes[instance.mesh].vertexBuffers;
+        properties.overallAttributes = meshes[instance.mesh].constants;
+        // The engine takes the second entry for the transform and the third for the material of a geometry.
+        properties.shaderBuffers = {ShaderBufferHandle(), createBlock("TransformBlock", &transform, sizeof(transform)),
+                                    m_materialBlocks[mesh.material]};
+        DrawRange range;
+        range.indexBuffer = meshes[instance.mesh].indexBuffer;
+        range.primitive = c_triangles;
+        range.count = static_cast<int32_t>(mesh.indices.size());
+        properties.ranges = {range};
+
+        const auto& shaderState = m_shaderStates[static_cast<std::size_t>(material.baseColorImage + 1)];
+        const DrawHandle draw = m_context.createDraw(material.isTransparent() ? transparent : opaque, shaderState);
+        m_context.addDrawProperties(draw, m_context.createDrawProperties(properties));
+        m_draws.push_back(draw);
+    }
+}
+
+void SceneRenderer::recordFrame(const Model& model)
+{
+    ClearTargetProperties clear;
+    clear.colors[0] = c_background;
+    m_frame->clearRenderTarget(m_multisampleTarget, clear);
+    for (const std::size_t instance : drawOrder(model, m_camera.back))
+        m_frame->draw(m_draws[instance]);
+    m_drawCount = m_draws.size();
+
+    BlitProperties resolve;
+    resolve.source = SbVec4i32(0, 0, static_cast<int32_t>(m_width), static_cast<int32_t>(m_height));
+    resolve.destination = resolve.source;
+    m_frame->blit(m_multisampleTarget, m_resolveTarget, resolve);
+    m_readback->readbackTexture(m_resolvedColor);
+}
+
+double SceneRenderer::drawFrame()
+{
+    const auto start = std::chrono::steady_clock::now();
+    if (m_setup)
+        m_context.submit(m_setup);
+    m_context.submit(m_frame);
+    m_context.execute(true);
+    m_setup.reset();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+Image SceneRenderer::readPicture()
+{
+    m_context.submit(m_readback);
+    m_context.execute(true);
+    Image image;
+    image.width = m_width;
+    image.height = m_height;
+    image.pixels.resize(std::size_t{4} * m_width * m_height);
+    m_context.readbackTexture(m_resolvedColor, image.pixels.data(), image.pixels.size());
+    flipRows(image);
+    return image;
+}
+
+} // namespace viewer
