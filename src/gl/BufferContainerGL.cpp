@@ -1,0 +1,31 @@
+#include "gl/BufferContainerGL.h"
+
+#include "gl/BufferGL.h"
+
+namespace renderengine
+{
+
+BufferContainerGL::~BufferContainerGL()
+{
+    setBuffer(nullptr);
+}
+
+void BufferContainerGL::destroy()
+{
+    setBuffer(nullptr);
+}
+
+void BufferContainerGL::setBuffer(BufferGL* newBuffer)
+{
+    if (buffer)
+    {
+        buffer->removeContainer(this);
+    }
+    buffer = newBuffer;
+    if (buffer)
+    {
+        buffer->addContainer(this);
+    }
+}
+
+} // namespace renderengine

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "gl/BaseResourceGL.h"
+
+namespace renderengine
+{
+
+class BufferGL;
+
+/// A view on a buffer: says how its bytes are read and owns no GL object. It may outlive its buffer, which is null
+/// then. Render thread only.
+class BufferContainerGL : public BaseResourceGL
+{
+public:
+    /// Unregisters the view from its buffer.
+    ~BufferContainerGL() override;
+
+    /// Unregisters the view from its buffer, which is null afterwards.
+    void destroy() override;
+
+    /// Moves the view to another buffer, not owned; null leaves it without one.
+    void setBuffer(BufferGL* newBuffer);
+    /// The buffer below, or null.
+    BufferGL* getBuffer() const { return buffer; }
+
+private:
+    // BufferGL forgets its views when it goes, without being asked to unregister each.
+    friend class BufferGL;
+
+    BufferGL* buffer = nullptr;
+};
+
+} // namespace renderengine

@@ -1,0 +1,304 @@
+// Draws: state as far as it differs from the draw before, buffers and parameters, then the draw calls of each batch.
+
+#include "gl/RendererGL41.h"
+
+#include "gl/DebugGroup.h"
+#include "gl/DrawTablesGL.h"
+#include "gl/RendererGL41Find.h"
+
+#include <algorithm>
+
+namespace renderengine
+{
+
+namespace
+{
+
+const void* byteOffset(uint64_t offset)
+{
+    return reinterpret_cast<const void*>(static_cast<uintptr_t>(offset));
+}
+
+bool hasBaseInstance()
+{
+    const GLEWContextStruct& table = *glbinding::t_table;
+    return table.majorVersion > 4 || (table.majorVersion == 4 && table.minorVersion >= 2) ||
+           table.kvr_common__GLEW_ARB_base_instance;
+}
+
+} // namespace
+
+void RendererGL41::execute(CommandRender& command)
+{
+    DrawGL* draw = find(m_tables.draws, command.handle);
+    if (draw == nullptr || draw->drawProperties.empty())
+    {
+        return;
+    }
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "CommandRender");
+    const ShaderStateCoreProperties& shaderState = *draw->shaderState;
+    copyViewportScale(shaderState.viewport, *draw->gfxState);
+    if (m_stateUnknown || !m_differentialState)
+    {
+        applyDrawStateInFull(*draw);
+    }
+    else
+    {
+        applyDrawStateDifferences(*draw);
+    }
+    if (const ShaderProgramGL* program = find(m_tables.shaderPrograms, shaderState.program))
+    {
+        const GLuint firstBinding = bindShaderStateBuffers(shaderState, *program);
+        const RasterizerProperties& rasterizer = draw->gfxState->rasterizer;
+        glUniform1f(program->getPointSizeLocation(), rasterizer.pointSize * rasterizer.sizeScale);
+        applyShaderParameters(shaderState, *program);
+        const bool mergeable = updateBatches(*draw);
+        for (const std::unique_ptr<Batch>& batch : draw->batches)
+        {
+            drawBatch(*batch, mergeable, *program, firstBinding);
+        }
+    }
+    if (m_stateUnknown || !m_differentialState)
+    {
+        forgetTextures();
+    }
+}
+
+void RendererGL41::applyDrawStateInFull(const DrawGL& draw)
+{
+    const ShaderStateCoreProperties& shaderState = *draw.shaderState;
+    bindRenderTarget(shaderState.renderTarget);
+    m_currentRenderTarget = shaderState.renderTarget;
+    applyViewport(shaderState.viewport);
+    m_currentViewport = shaderState.viewport;
+    draw.state->apply();
+    m_currentGfxState = *draw.gfxState;
+    unbindTextures(m_currentShaderState.textures);
+    setupTextures(shaderState.textures);
+    m_currentShaderState.textures = shaderState.textures;
+    setupShaderState(shaderState, true);
+    m_stateUnknown = false;
+}
+
+void RendererGL41::applyDrawStateDifferences(const DrawGL& draw)
+{
+    const ShaderStateCoreProperties& shaderState = *draw.shaderState;
+    if (shaderState.renderTarget != m_currentRenderTarget)
+    {
+        bindRenderTarget(shaderState.renderTarget);
+        m_currentRenderTarget = shaderState.renderTarget;
+    }
+    if (shaderState.viewport != m_currentViewport)
+    {
+        applyViewport(shaderState.viewport);
+        m_currentViewport = shaderState.viewport;
+    }
+    if (m_currentGfxState != *draw.gfxState)
+    {
+        draw.state->applyDifferential(m_currentGfxState);
+        m_currentGfxState = *draw.gfxState;
+    }
+    if (m_currentShaderState.textures != shaderState.textures)
+    {
+        setupTexturesDifferential(shaderState.textures);
+        m_currentShaderState.textures = shaderState.textures;
+    }
+    setupShaderState(shaderState, true);
+}
+
+/// Brings the batches up to date and returns whether they are drawn merged.
+bool RendererGL41::updateBatches(DrawGL& draw)
+{
+    const bool needRebuild = !isBatchListValid(draw);
+    if (needRebuild)
+    {
+        releaseBatches(draw);
+    }
+    const bool mergeable = canMerge(draw);
+    if (!mergeable && (needRebuild || draw.batches.empty()))
+    {
+        buildPlainBatch(draw);
+    }
+    if (mergeable && needRebuild)
+    {
+        prepareMergeMaps(draw);
+        buildBatches(draw);
+        for (const std::unique_ptr<Batch>& batch : draw.batches)
+        {
+            buildMergedBatch(*batch);
+        }
+    }
+    for (const std::unique_ptr<Batch>& batch : draw.batches)
+    {
+        mergeShaderBuffers(*batch, needRebuild);
+        batch->setDirty(false);
+    }
+    draw.batchesValid = true;
+    return mergeable;
+}
+
+void RendererGL41::drawBatch(const Batch& batch, bool mergeable, const ShaderProgramGL& program, GLuint firstBinding)
+{
+    bindDrawShaderBuffers(batch, program, firstBinding);
+    glUniform1i(program.getUseMergedShaderBuffersLocation(), batch.hasMergedShaderBuffers() ? 1 : 0);
+    if (batch.drawProperties.size() == 1)
+    {
+        applyOverallAttributes(batch, program);
+    }
+    m_attributeLocations.clear();
+    for (const VertexBufferHandle& handle : batch.vertexBuffers)
+    {
+        const VertexBufferGL* vertexBuffer = find(m_tables.vertexBuffers, handle);
+        m_attributeLocations.push_back(vertexBuffer != nullptr ? vertexBuffer->bind(&program) : -1);
+    }
+    if (mergeable)
+    {
+        drawMerged(batch);
+    }
+    else
+    {
+        drawRanges(batch);
+    }
+    for (const GLint location : m_attributeLocations)
+    {
+        if (location >= 0)
+        {
+            glDisableVertexAttribArray(static_cast<GLuint>(location));
+        }
+    }
+}
+
+GLuint RendererGL41::bindDrawShaderBuffers(const Batch& batch, const ShaderProgramGL& program, GLuint firstBinding)
+{
+    GLuint binding = firstBinding;
+    if (batch.drawProperties.empty())
+    {
+        return binding;
+    }
+    const DrawPropertiesGL* first = find(m_tables.drawProperties, batch.drawProperties.front());
+    if (first == nullptr)
+    {
+        return binding;
+    }
+    for (const ShaderBufferHandle& handle : first->properties.shaderBuffers)
+    {
+        if (const ShaderBufferGL* buffer = find(m_tables.shaderBuffers, handle))
+        {
+            bindShaderBuffer(*buffer, program, binding);
+            ++binding;
+        }
+    }
+    return binding;
+}
+
+void RendererGL41::applyOverallAttributes(const Batch& batch, const ShaderProgramGL& program)
+{
+    const DrawPropertiesGL* member = find(m_tables.drawProperties, batch.drawProperties.front());
+    if (member == nullptr)
+    {
+        return;
+    }
+    for (const OverallAttribute& attribute : member->properties.overallAttributes)
+    {
+        const GLint location = program.getAttribLocation(attribute.name);
+        if (location >= 0)
+        {
+            applyOverallAttribute(static_cast<GLuint>(location), attribute);
+        }
+    }
+}
+
+void RendererGL41::drawMerged(const Batch& batch)
+{
+    const size_t drawCount = std::min(batch.mergedDraws.size(), batch.indexBuffers.size());
+    for (size_t i = 0; i < drawCount; ++i)
+    {
+        const MergedDraw& draw = batch.mergedDraws[i];
+        const IndexBufferGL* indexBuffer = find(m_tables.indexBuffers, batch.indexBuffers[i]);
+        const GLenum* mode = gltables::primitiveModes.find(draw.primitive);
+        if (indexBuffer == nullptr || indexBuffer->getBuffer() == nullptr || mode == nullptr)
+        {
+            continue;
+        }
+        setPrimitiveRestart(draw.primitiveRestart, draw.primitiveRestartValue);
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer->getBuffer()->getName());
+        glMultiDrawElementsBaseVertex(*mode, draw.count.data(), indexBuffer->getType(), draw.indices.data(),
+                                      static_cast<GLsizei>(draw.count.size()), draw.baseVertex.data());
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+    }
+}
+
+void RendererGL41::drawRanges(const Batch& batch)
+{
+    if (batch.drawProperties.empty())
+    {
+        return;
+    }
+    const DrawPropertiesGL* member = find(m_tables.drawProperties, batch.drawProperties.front());
+    if (member == nullptr)
+    {
+        return;
+    }
+    const std::vector<DrawRange>& ranges = member->properties.ranges;
+    const size_t rangeCount = std::min(ranges.size(), batch.indexBuffers.size());
+    for (size_t i = 0; i < rangeCount; ++i)
+    {
+        const IndexBufferGL* indexBuffer = find(m_tables.indexBuffers, batch.indexBuffers[i]);
+        if (indexBuffer != nullptr && indexBuffer->getBuffer() != nullptr)
+        {
+            drawRange(ranges[i], *indexBuffer, batch);
+        }
+    }
+}
+
+void RendererGL41::drawRange(const DrawRange& range, const IndexBufferGL& indexBuffer, const Batch& batch)
+{
+    const GLenum* mode = gltables::primitiveModes.find(range.primitive);
+    if (mode == nullptr)
+    {
+        return;
+    }
+    setPrimitiveRestart(range.primitiveRestart, range.primitiveRestartValue);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer.getBuffer()->getName());
+    const void* indices = byteOffset(range.indexOffset);
+    if (hasBaseInstance())
+    {
+        glDrawElementsInstancedBaseInstance(*mode, range.count, indexBuffer.getType(), indices, range.instanceCount,
+                                            range.baseInstance);
+    }
+    else
+    {
+        if (range.baseInstance != 0)
+        {
+            moveInstancedAttributes(batch, range.baseInstance);
+        }
+        glDrawElementsInstanced(*mode, range.count, indexBuffer.getType(), indices, range.instanceCount);
+        if (range.baseInstance != 0)
+        {
+            moveInstancedAttributes(batch, 0);
+        }
+    }
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+}
+
+/// Stands in for the base instance where GL has none: attributes that advance by instance start later in their buffer.
+void RendererGL41::moveInstancedAttributes(const Batch& batch, uint32_t baseInstance)
+{
+    for (size_t i = 0; i < m_attributeLocations.size(); ++i)
+    {
+        const VertexBufferGL* vertexBuffer = find(m_tables.vertexBuffers, batch.vertexBuffers[i]);
+        if (vertexBuffer == nullptr || m_attributeLocations[i] < 0 || vertexBuffer->getDivisor() == 0)
+        {
+            continue;
+        }
+        const VertexBufferProperties& properties = vertexBuffer->getProperties();
+        const uint64_t stride =
+            properties.stride != 0 ? properties.stride : properties.componentCount * properties.dataType.getSize();
+        glBindBuffer(GL_ARRAY_BUFFER, vertexBuffer->getBuffer()->getName());
+        glVertexAttribPointer(static_cast<GLuint>(m_attributeLocations[i]), vertexBuffer->getComponentCount(),
+                              vertexBuffer->getType(), vertexBuffer->getNormalized(), vertexBuffer->getStride(),
+                              byteOffset(vertexBuffer->getOffset() + baseInstance * stride));
+    }
+}
+
+} // namespace renderengine

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "gl/RendererGL41.h"
+
+#include <spdlog/spdlog.h>
+
+#include <memory>
+#include <utility>
+
+// Templates of RendererGL41 that serve all of its resource tables alike; included by its source files only.
+
+namespace renderengine
+{
+
+template <class Handle, class Resource>
+Resource* RendererGL41::find(const ResourceTable<Handle, Resource>& table, const Handle& handle)
+{
+    return table.find(handle);
+}
+
+template <class Handle, class Resource>
+Resource* RendererGL41::findOrReport(const ResourceTable<Handle, Resource>& table, const Handle& handle,
+                                     const char* message)
+{
+    Resource* resource = find(table, handle);
+    if (resource == nullptr)
+    {
+        spdlog::error(message);
+    }
+    return resource;
+}
+
+template <class Handle, class Resource>
+Handle RendererGL41::createHandle(ResourceTable<Handle, Resource>& table)
+{
+    Handle handle;
+    return table.create(handle);
+}
+
+template <class Handle, class Resource, class... Arguments>
+Resource& RendererGL41::createResource(ResourceTable<Handle, Resource>& table, const Handle& handle,
+                                       Arguments&&... arguments)
+{
+    auto resource = std::make_shared<Resource>(std::forward<Arguments>(arguments)...);
+    Resource& reference = *resource;
+    table.get(handle) = std::move(resource);
+    return reference;
+}
+
+template <class Table, class Command> void RendererGL41::createView(Table& table, const Command& command)
+{
+    if (command.handle.isValid())
+    {
+        createResource(table, command.handle)
+            .create(command.properties, find(m_tables.buffers, command.properties.buffer));
+    }
+}
+
+template <class Table, class Command> void RendererGL41::updateView(Table& table, const Command& command)
+{
+    if (auto* view = find(table, command.handle))
+    {
+        view->update(command.properties, find(m_tables.buffers, command.properties.buffer));
+    }
+}
+
+template <class Handle, class Resource>
+void RendererGL41::destroyResource(ResourceTable<Handle, Resource>& table, Handle& handle, const char* message)
+{
+    if (Resource* resource = findOrReport(table, handle, message))
+    {
+        resource->destroy();
+        table.destroy(handle);
+        handle = Handle();
+    }
+}
+
+template <class Handle, class Resource>
+void RendererGL41::releaseResource(ResourceTable<Handle, Resource>& table, Handle& handle)
+{
+    if (Resource* resource = find(table, handle))
+    {
+        resource->destroy();
+        table.destroy(handle);
+    }
+    handle = Handle();
+}
+
+} // namespace renderengine

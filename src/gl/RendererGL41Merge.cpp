@@ -1,0 +1,363 @@
+// Merging: draws with many members are copied, on the GPU, into the shared buffers of a batch, so that one multi-draw per
+// primitive type replaces one draw per range.
+
+#include "gl/RendererGL41.h"
+
+#include "gl/RendererGL41Find.h"
+
+#include <kavelor/SoPreferences.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <numeric>
+
+namespace renderengine
+{
+
+namespace
+{
+
+constexpr uint32_t drawIndexSlot = 13;
+constexpr uint32_t mapForWriting = 1;
+
+uint32_t elementSize(const VertexBufferProperties& properties)
+{
+    return properties.componentCount * properties.dataType.getSize();
+}
+
+} // namespace
+
+bool RendererGL41::isBatchListValid(const DrawGL& draw) const
+{
+    if (!draw.batchesValid || draw.batches.empty())
+    {
+        return false;
+    }
+    return std::none_of(draw.batches.begin(), draw.batches.end(),
+                        [](const std::unique_ptr<Batch>& batch) { return batch->isDirty(); });
+}
+
+bool RendererGL41::canMerge(const DrawGL& draw) const
+{
+    if (isBatchListValid(draw))
+    {
+        return draw.batches.front()->built;
+    }
+    // Several members are merged whatever the setting says, and whatever their ranges ask for.
+    if (draw.drawProperties.size() > 1)
+    {
+        return true;
+    }
+    static const bool s_enableMerging = SoPreferences::getBool("KVR_RENDERENGINE_ENABLE_PRIMITIVES_MERGING", true);
+    if (!s_enableMerging)
+    {
+        return false;
+    }
+    const DrawPropertiesGL* member = find(m_tables.drawProperties, draw.drawProperties.front());
+    return member != nullptr && canMergeRanges(member->properties.ranges);
+}
+
+bool RendererGL41::canMergeRanges(const std::vector<DrawRange>& ranges)
+{
+    if (ranges.size() <= 1)
+    {
+        return false;
+    }
+    std::array<const DrawRange*, primitiveTypeCount> firstOfType{};
+    for (const DrawRange& range : ranges)
+    {
+        if (static_cast<uint32_t>(range.instanceCount) > 1 || range.primitive >= primitiveTypeCount)
+        {
+            return false;
+        }
+        const DrawRange*& first = firstOfType[range.primitive];
+        if (first == nullptr)
+        {
+            first = &range;
+        }
+        else if (range.primitiveRestart != first->primitiveRestart ||
+                 range.primitiveRestartValue != first->primitiveRestartValue)
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+void RendererGL41::releaseBatches(DrawGL& draw)
+{
+    for (const std::unique_ptr<Batch>& batch : draw.batches)
+    {
+        if (batch->built)
+        {
+            releaseBatch(*batch);
+        }
+    }
+    draw.batches.clear();
+}
+
+void RendererGL41::releaseBatch(Batch& batch)
+{
+    if (batch.merged)
+    {
+        for (VertexBufferHandle& handle : batch.vertexBuffers)
+        {
+            releaseResource(m_tables.vertexBuffers, handle);
+        }
+    }
+    batch.vertexBuffers.clear();
+    for (IndexBufferHandle& handle : batch.ownedIndexBuffers)
+    {
+        releaseResource(m_tables.indexBuffers, handle);
+    }
+    batch.ownedIndexBuffers.clear();
+    batch.indexBuffers.clear();
+    for (size_t slot = 0; slot < batch.mergedShaderBuffers.size(); ++slot)
+    {
+        releaseResource(m_tables.shaderBuffers, batch.indirectShaderBuffers[slot]);
+        releaseResource(m_tables.shaderBuffers, batch.mergedShaderBuffers[slot]);
+    }
+    for (BufferHandle& handle : batch.rawBuffers)
+    {
+        releaseResource(m_tables.buffers, handle);
+    }
+    batch.rawBuffers.clear();
+}
+
+void RendererGL41::appendWholeDraw(DrawGL& draw)
+{
+    draw.batches.push_back(std::make_unique<Batch>());
+    Batch& batch = *draw.batches.back();
+    batch.drawProperties = draw.drawProperties;
+    batch.shaderBufferIndices = draw.shaderBufferIndices;
+}
+
+void RendererGL41::buildBatches(DrawGL& draw)
+{
+    draw.batches.clear();
+    appendWholeDraw(draw);
+}
+
+void RendererGL41::prepareMergeMaps(DrawGL& /*draw*/) {}
+
+void RendererGL41::mergeShaderBuffers(Batch& /*batch*/, bool /*needRebuild*/) {}
+
+/// The single batch of a draw that is drawn range by range. It owns nothing: `built` and `merged` stay false.
+void RendererGL41::buildPlainBatch(DrawGL& draw)
+{
+    draw.batches.clear();
+    appendWholeDraw(draw);
+    Batch& batch = *draw.batches.back();
+    const DrawPropertiesGL* member = find(m_tables.drawProperties, draw.drawProperties.front());
+    if (member == nullptr)
+    {
+        return;
+    }
+    batch.vertexBuffers = member->properties.vertexBuffers;
+    for (const DrawRange& range : member->properties.ranges)
+    {
+        const uint32_t sequenceCount = static_cast<uint32_t>(range.indexOffset) + static_cast<uint32_t>(range.count);
+        batch.indexBuffers.push_back(range.indexBuffer.isValid() ? range.indexBuffer
+                                                                 : getSequenceIndexBuffer(sequenceCount));
+    }
+}
+
+void RendererGL41::buildMergedBatch(Batch& batch)
+{
+    batch.merged = batch.drawProperties.size() > 1;
+    if (batch.merged)
+    {
+        mergeVertexBuffers(batch);
+        mergeOverallAttributes(batch);
+    }
+    else if (const DrawPropertiesGL* member = find(m_tables.drawProperties, batch.drawProperties.front()))
+    {
+        batch.vertexBuffers = member->properties.vertexBuffers;
+    }
+    mergeIndexBuffers(batch);
+    batch.built = true;
+}
+
+std::vector<const DrawProperties*> RendererGL41::getMembers(const Batch& batch) const
+{
+    std::vector<const DrawProperties*> members;
+    members.reserve(batch.drawProperties.size());
+    for (const DrawPropertiesHandle& handle : batch.drawProperties)
+    {
+        if (const DrawPropertiesGL* member = find(m_tables.drawProperties, handle))
+        {
+            members.push_back(&member->properties);
+        }
+    }
+    return members;
+}
+
+uint64_t RendererGL41::getElementCount(const VertexBufferHandle& handle) const
+{
+    const VertexBufferGL* vertexBuffer = find(m_tables.vertexBuffers, handle);
+    if (vertexBuffer == nullptr || vertexBuffer->getBuffer() == nullptr)
+    {
+        return 0;
+    }
+    const VertexBufferProperties& properties = vertexBuffer->getProperties();
+    const uint64_t stride = properties.stride != 0 ? properties.stride : elementSize(properties);
+    return stride != 0 ? vertexBuffer->getBuffer()->getSize() / stride : 0;
+}
+
+uint64_t RendererGL41::getLargestElementCount(const DrawProperties& properties) const
+{
+    uint64_t largest = 0;
+    for (const VertexBufferHandle& handle : properties.vertexBuffers)
+    {
+        largest = std::max(largest, getElementCount(handle));
+    }
+    return largest;
+}
+
+BufferHandle RendererGL41::createInternalBuffer(Batch& batch, uint8_t kind, uint64_t size, const void* data)
+{
+    BufferHandle handle = generateBufferHandle();
+    BufferProperties properties;
+    properties.kind = kind;
+    properties.size = size;
+    properties.data = data;
+    createResource(m_tables.buffers, handle).create(properties);
+    batch.rawBuffers.push_back(handle);
+    return handle;
+}
+
+void RendererGL41::mergeVertexBuffers(Batch& batch)
+{
+    batch.vertexBuffers.clear();
+    const std::vector<const DrawProperties*> members = getMembers(batch);
+    if (members.empty())
+    {
+        return;
+    }
+    std::vector<uint64_t> offsetElements;
+    offsetElements.reserve(members.size());
+    for (const DrawProperties* member : members)
+    {
+        offsetElements.push_back(getLargestElementCount(*member));
+    }
+    const uint64_t elementCount = std::accumulate(offsetElements.begin(), offsetElements.end(), uint64_t{0});
+    for (size_t position = 0; position < members.front()->vertexBuffers.size(); ++position)
+    {
+        mergeVertexBuffer(batch, members, position, offsetElements, elementCount);
+    }
+    appendDrawIndices(batch, offsetElements, elementCount);
+}
+
+void RendererGL41::mergeVertexBuffer(Batch& batch, const std::vector<const DrawProperties*>& members, size_t position,
+                                     const std::vector<uint64_t>& offsetElements, uint64_t elementCount)
+{
+    const VertexBufferGL* pattern = find(m_tables.vertexBuffers, members.front()->vertexBuffers[position]);
+    if (pattern == nullptr)
+    {
+        return;
+    }
+    VertexBufferProperties properties = pattern->getProperties();
+    const uint64_t bytesPerElement = elementSize(properties);
+    properties.buffer = createInternalBuffer(batch, 0, elementCount * bytesPerElement, nullptr);
+    VertexBufferGL& merged = appendVertexBuffer(batch, properties);
+    batch.addDependency(merged);
+
+    const BufferGL& destination = *merged.getBuffer();
+    uint64_t destinationOffset = 0;
+    for (size_t i = 0; i < members.size(); ++i)
+    {
+        if (position < members[i]->vertexBuffers.size())
+        {
+            VertexBufferGL* source = find(m_tables.vertexBuffers, members[i]->vertexBuffers[position]);
+            if (source != nullptr && source->getBuffer() != nullptr)
+            {
+                merged.addDependency(*source);
+                source->getBuffer()->copy(destination, 0, destinationOffset, 0);
+            }
+        }
+        destinationOffset += offsetElements[i] * bytesPerElement;
+    }
+    merged.setDirty(false);
+}
+
+/// Tells the shader which member a vertex belongs to. The bits of an unsigned integer travel as a float attribute, without
+/// a conversion; the shader reads them as bits.
+void RendererGL41::appendDrawIndices(Batch& batch, const std::vector<uint64_t>& offsetElements, uint64_t elementCount)
+{
+    std::vector<uint32_t> drawIndices;
+    drawIndices.reserve(elementCount);
+    for (size_t i = 0; i < offsetElements.size(); ++i)
+    {
+        drawIndices.insert(drawIndices.end(), offsetElements[i], static_cast<uint32_t>(i));
+    }
+    VertexBufferProperties properties;
+    properties.slot = drawIndexSlot;
+    properties.dataType = SbDataType::FLOAT;
+    properties.componentCount = 1;
+    properties.name = "KvrAttribDrawIndex";
+    properties.buffer = createInternalBuffer(batch, 0, elementCount * sizeof(uint32_t), drawIndices.data());
+    appendVertexBuffer(batch, properties);
+}
+
+VertexBufferGL& RendererGL41::appendVertexBuffer(Batch& batch, const VertexBufferProperties& properties)
+{
+    VertexBufferHandle handle = generateVertexBufferHandle();
+    VertexBufferGL& vertexBuffer = createResource(m_tables.vertexBuffers, handle);
+    vertexBuffer.create(properties, find(m_tables.buffers, properties.buffer));
+    batch.vertexBuffers.push_back(handle);
+    return vertexBuffer;
+}
+
+void RendererGL41::mergeOverallAttributes(Batch& batch)
+{
+    const std::vector<const DrawProperties*> members = getMembers(batch);
+    if (members.empty() || batch.vertexBuffers.empty())
+    {
+        return;
+    }
+    const uint64_t elementCount = getElementCount(batch.vertexBuffers.front());
+    for (size_t i = 0; i < members.front()->overallAttributes.size(); ++i)
+    {
+        mergeOverallAttribute(batch, members, i, elementCount);
+    }
+}
+
+void RendererGL41::mergeOverallAttribute(Batch& batch, const std::vector<const DrawProperties*>& members, size_t position,
+                                         uint64_t elementCount)
+{
+    const OverallAttribute& pattern = members.front()->overallAttributes[position];
+    const uint64_t valueSize =
+        std::min<uint64_t>(pattern.dataType.getSize() * pattern.componentCount, sizeof(pattern.value));
+    const uint64_t bufferSize = valueSize * elementCount;
+    const BufferHandle handle = createInternalBuffer(batch, 0, bufferSize, nullptr);
+    BufferGL& buffer = *find(m_tables.buffers, handle);
+    buffer.map(0, bufferSize, mapForWriting);
+    if (auto* destination = static_cast<std::byte*>(buffer.getMappedPointer()))
+    {
+        const std::byte* const end = destination + bufferSize;
+        for (const DrawProperties* member : members)
+        {
+            if (position >= member->overallAttributes.size() || member->vertexBuffers.empty())
+            {
+                continue;
+            }
+            const uint64_t count = getElementCount(member->vertexBuffers.front());
+            for (uint64_t i = 0; i < count && destination + valueSize <= end; ++i, destination += valueSize)
+            {
+                std::memcpy(destination, member->overallAttributes[position].value, valueSize);
+            }
+        }
+        buffer.unmap();
+    }
+    VertexBufferProperties properties;
+    properties.slot = pattern.slot;
+    properties.dataType = pattern.dataType;
+    properties.normalized = pattern.normalized;
+    properties.componentCount = pattern.componentCount;
+    properties.name = pattern.name;
+    properties.buffer = handle;
+    appendVertexBuffer(batch, properties);
+}
+
+} // namespace renderengine
