@@ -53,7 +53,7 @@ struct ContextInfo;
 /// render thread, recorded work runs there, and operations that wait say so. Records are copied by the call. Handles
 /// own nothing: what was created is kept until it is destroyed or the context is deleted.
 ///
-/// All operations from canPresent() on need init() to have succeeded, which debug builds assert.
+/// All operations but isValid(), init() and getContextInfo() need init() to have succeeded, which debug builds assert.
 class RENDERENGINE_API ContextInterface
 {
 public:

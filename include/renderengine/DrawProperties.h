@@ -14,8 +14,8 @@ struct DrawProperties
 {
     bool operator==(const DrawProperties& other) const
     {
-        return vertexBuffers == other.vertexBuffers && shaderBuffers == other.shaderBuffers &&
-               ranges == other.ranges && overallAttributes == other.overallAttributes;
+        return vertexBuffers == other.vertexBuffers && shaderBuffers == other.shaderBuffers && ranges == other.ranges &&
+               overallAttributes == other.overallAttributes;
     }
     bool operator!=(const DrawProperties& other) const { return !(*this == other); }
 

@@ -104,8 +104,7 @@ struct LightProperties
 };
 
 /// A material value for the front faces and one for the back faces.
-template <class T>
-struct MaterialFaces
+template <class T> struct MaterialFaces
 {
     bool operator==(const MaterialFaces& other) const { return front == other.front && back == other.back; }
     bool operator!=(const MaterialFaces& other) const { return !(*this == other); }

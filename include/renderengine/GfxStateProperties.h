@@ -64,8 +64,7 @@ static_assert(sizeof(RasterizerProperties) == 28, "five floats, a short and six 
 /// and 1 one to 18, one minus second source alpha.
 struct ColorTargetProperties
 {
-    ColorTargetProperties()
-        : colorOp(0), srcColor(1), dstColor(0), alphaOp(0), srcAlpha(1), dstAlpha(0), blendEnable(0)
+    ColorTargetProperties() : colorOp(0), srcColor(1), dstColor(0), alphaOp(0), srcAlpha(1), dstAlpha(0), blendEnable(0)
     {
     }
 

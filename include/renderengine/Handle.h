@@ -13,8 +13,7 @@ namespace renderengine
 ///
 /// A handle carries no ownership: copying one does not keep the resource alive, and only the matching destroy
 /// operation of the context ends it. Handles of different concepts do not convert into each other.
-template <class Concept>
-struct Handle
+template <class Concept> struct Handle
 {
     /// The number of the handle that names nothing.
     static constexpr uint32_t InvalidId = 0xFFFFFFFFu;
@@ -59,8 +58,7 @@ static_assert(sizeof(DrawHandle) == 4, "a handle is its number");
 namespace std
 {
 
-template <class Concept>
-struct hash<renderengine::Handle<Concept>>
+template <class Concept> struct hash<renderengine::Handle<Concept>>
 {
     std::size_t operator()(const renderengine::Handle<Concept>& handle) const noexcept
     {

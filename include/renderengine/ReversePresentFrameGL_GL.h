@@ -10,8 +10,8 @@
 namespace renderengine
 {
 
-/// Copies colour and depth of the framebuffer that is bound for drawing into the engine's two textures: by one blit, or,
-/// where the formats may not fit, through a framebuffer of known format and a shader copy.
+/// Copies colour and depth of the framebuffer that is bound for drawing into the engine's two textures: by one blit,
+/// or, where the formats may not fit, through a framebuffer of known format and a shader copy.
 ///
 /// The shader copy changes the viewport and the 2D bindings of units 0 and 1, and copies no stencil; its depth takes
 /// effect only when the caller has the depth test on.

@@ -9,8 +9,7 @@ namespace renderengine
 /// A uniform array.
 ///
 /// T is float, SbVec2f, SbVec3f, SbVec4f, int, SbVec2i32, SbVec3i32, SbVec4i32 or SbMatrix.
-template <class T>
-struct ShaderParameterArrayProperties
+template <class T> struct ShaderParameterArrayProperties
 {
     bool operator==(const ShaderParameterArrayProperties& other) const
     {

@@ -8,13 +8,9 @@ namespace renderengine
 /// A uniform of one value.
 ///
 /// T is float, SbVec2f, SbVec3f, SbVec4f, int, SbVec2i32, SbVec3i32, SbVec4i32, SbMatrix or SbMatrix3.
-template <class T>
-struct ShaderParameterProperties
+template <class T> struct ShaderParameterProperties
 {
-    bool operator==(const ShaderParameterProperties& other) const
-    {
-        return name == other.name && value == other.value;
-    }
+    bool operator==(const ShaderParameterProperties& other) const { return name == other.name && value == other.value; }
     bool operator!=(const ShaderParameterProperties& other) const { return !(*this == other); }
 
     /// Name of the uniform in the shader.

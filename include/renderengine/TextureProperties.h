@@ -17,9 +17,9 @@ struct TextureProperties
     bool operator==(const TextureProperties& other) const
     {
         return type == other.type && immutable == other.immutable && compressed == other.compressed &&
-               width == other.width && height == other.height && depth == other.depth &&
-               baseLevel == other.baseLevel && maxLevel == other.maxLevel && samples == other.samples &&
-               format == other.format && internalFormat == other.internalFormat &&
+               width == other.width && height == other.height && depth == other.depth && baseLevel == other.baseLevel &&
+               maxLevel == other.maxLevel && samples == other.samples && format == other.format &&
+               internalFormat == other.internalFormat &&
                std::equal(std::begin(swizzle), std::end(swizzle), std::begin(other.swizzle)) &&
                dataType == other.dataType && data == other.data && sizes == other.sizes && name == other.name;
     }

@@ -19,8 +19,7 @@ namespace
 /// More than the blocks of any chunk.
 constexpr uint32_t Credit = 1u << 30;
 
-constexpr uint32_t FirstPageCount = 1;
-constexpr uint32_t LargestPageCount = 64;
+constexpr uint32_t LargestPageCount = 16;
 
 /// Makes the address sanitizer report any use of memory that no command owns.
 void poison([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) noexcept
@@ -112,7 +111,7 @@ private:
     FreeChunk* m_first = nullptr;
     uint32_t m_count = 0;
     /// 4 MiB, which is a scene of 125000 draws.
-    uint32_t m_capacity = 64;
+    uint32_t m_capacity = 256;
 };
 
 ChunkPool s_pool;
@@ -132,7 +131,8 @@ CommandArena::Chunk* CommandArena::Chunk::create(uint32_t pageCount)
     void* memory = pageCount == LargestPageCount ? s_pool.take() : nullptr;
     if (memory == nullptr)
     {
-        memory = ::operator new(pageCount * PageSize, std::align_val_t(PageSize));
+        const std::size_t size = PageSize * pageCount;
+        memory = ::operator new(size, std::align_val_t(PageSize));
     }
     return new (memory) Chunk(pageCount);
 }
@@ -150,7 +150,7 @@ void CommandArena::Chunk::destroy(Chunk* chunk) noexcept
 CommandArena::CommandArena(CommandArena&& other) noexcept
     : m_cursor(std::exchange(other.m_cursor, nullptr)), m_pageEnd(std::exchange(other.m_pageEnd, nullptr)),
       m_chunk(std::exchange(other.m_chunk, nullptr)), m_used(std::exchange(other.m_used, 0)),
-      m_page(std::exchange(other.m_page, 0))
+      m_page(std::exchange(other.m_page, 0)), m_pagesTaken(std::exchange(other.m_pagesTaken, 0))
 {
 }
 
@@ -164,6 +164,7 @@ CommandArena& CommandArena::operator=(CommandArena&& other) noexcept
         m_chunk = std::exchange(other.m_chunk, nullptr);
         m_used = std::exchange(other.m_used, 0);
         m_page = std::exchange(other.m_page, 0);
+        m_pagesTaken = std::exchange(other.m_pagesTaken, 0);
     }
     return *this;
 }
@@ -235,11 +236,11 @@ void CommandArena::nextPage()
 
 void CommandArena::addChunk()
 {
-    const uint32_t pageCount =
-        m_chunk != nullptr ? std::min(m_chunk->pageCount * 2, LargestPageCount) : FirstPageCount;
+    const uint32_t pageCount = std::clamp(m_pagesTaken / 4, 1u, LargestPageCount);
     Chunk* const chunk = Chunk::create(pageCount);
     retire();
     m_chunk = chunk;
+    m_pagesTaken = std::min(m_pagesTaken + pageCount, 4 * LargestPageCount);
     openPage(0);
 }
 
@@ -250,7 +251,7 @@ void CommandArena::openPage(uint32_t page) noexcept
     if (page != 0)
     {
         new (start) Chunk*(m_chunk);
-        headSize = sizeof(Chunk*);
+        headSize = sizeof(Chunk*); // NOLINT(bugprone-sizeof-expression): it is the pointer that stands there
     }
     m_page = page;
     m_cursor = start + headSize;

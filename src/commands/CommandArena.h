@@ -21,9 +21,11 @@ namespace renderengine
 /// - The count starts with a large credit instead of 0. Cutting a block only counts in the list, without an atomic
 ///   operation; freeing one subtracts 1 from the chunk. When the list leaves the chunk it takes the unused credit back,
 ///   and whoever brings the count to 0 frees the chunk: the list or the last command, on whatever thread.
-/// - Chunks double from one page up, so that a small list stays small.
+/// - Chunks grow with the list, so that what a list leaves unused is a quarter of its memory at most.
 /// - A list that was emptied, and whose commands are all gone, starts its last chunk over. Free chunks of the largest
 ///   size are kept for the process, up to a limit.
+/// - A command that outlives its neighbours keeps their chunk: of a list of which only scattered commands survive, up
+///   to one chunk a survivor stays in memory.
 ///
 /// Cutting blocks belongs to one thread at a time, like the list; freeing them to any.
 class CommandArena
@@ -106,12 +108,13 @@ private:
     uint32_t m_used = 0;
     /// Index of the current page in the current chunk.
     uint32_t m_page = 0;
+    /// Pages that the arena has taken so far, up to the number from which on chunks no longer grow.
+    uint32_t m_pagesTaken = 0;
 };
 
 /// Allocates from the current arena of the thread what fits into a page, and from the heap what does not. It has no
 /// state, so it takes no room in the control block of a shared pointer.
-template <class T>
-struct CommandAllocator
+template <class T> struct CommandAllocator
 {
     using value_type = T;
 
@@ -119,10 +122,7 @@ struct CommandAllocator
         sizeof(T) <= CommandArena::MaximumBlockSize && alignof(T) <= CommandArena::BlockAlignment;
 
     CommandAllocator() noexcept = default;
-    template <class U>
-    CommandAllocator(const CommandAllocator<U>&) noexcept
-    {
-    }
+    template <class U> CommandAllocator(const CommandAllocator<U>&) noexcept {}
 
     /// `count` is 1: a shared pointer allocates one control block.
     T* allocate(std::size_t count)
@@ -149,16 +149,8 @@ struct CommandAllocator
         }
     }
 
-    template <class U>
-    bool operator==(const CommandAllocator<U>&) const noexcept
-    {
-        return true;
-    }
-    template <class U>
-    bool operator!=(const CommandAllocator<U>&) const noexcept
-    {
-        return false;
-    }
+    template <class U> bool operator==(const CommandAllocator<U>&) const noexcept { return true; }
+    template <class U> bool operator!=(const CommandAllocator<U>&) const noexcept { return false; }
 };
 
 #if defined(__SANITIZE_ADDRESS__)

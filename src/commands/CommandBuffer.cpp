@@ -34,9 +34,8 @@ void CommandBuffer::clear()
 
 void CommandBuffer::grow()
 {
-    // A long list grows by half instead of twice: its unused end counts in the memory that a recording takes.
-    const std::size_t size = m_commands.size();
-    m_commands.reserve(size < 4096 ? size * 2 + 8 : size + size / 2);
+    // By half instead of twice: the unused end of the list counts in the memory that a recording takes.
+    m_commands.reserve(m_commands.size() + m_commands.size() / 2 + 8);
 }
 
 } // namespace renderengine

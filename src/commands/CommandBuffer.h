@@ -29,8 +29,7 @@ public:
     ~CommandBuffer() { clear(); }
 
     /// Makes a command and appends it. The list keeps the ownership; the pointer is for filling the command.
-    template <class T>
-    T* add()
+    template <class T> T* add()
     {
         if (m_commands.size() == m_commands.capacity())
         {
@@ -44,8 +43,7 @@ public:
     }
 
     /// Appends a command and fills it with the arguments. When filling throws, the list is as before.
-    template <class T, class... Arguments>
-    void record(Arguments&&... arguments)
+    template <class T, class... Arguments> void record(Arguments&&... arguments)
     {
         T* const command = add<T>();
         if constexpr (noexcept(command->set(std::forward<Arguments>(arguments)...)))

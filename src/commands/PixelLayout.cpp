@@ -54,8 +54,7 @@ uint64_t levelSize(uint32_t size, uint64_t level)
 }
 
 /// A product that stays at the largest number when it would not fit, so that the allocation of it fails.
-template <class... Factors>
-uint64_t product(uint64_t first, Factors... others)
+template <class... Factors> uint64_t product(uint64_t first, Factors... others)
 {
     uint64_t result = first;
     const auto multiply = [&result](uint64_t factor)
@@ -215,8 +214,8 @@ DataBlock copyBatchEntryPixels(const TextureUpdateBatchData& entry)
     const uint64_t pixelSize = bytesPerPixel(entry.format, entry.dataType);
     const uint64_t rowSize = pixelSize * entry.width;
     // An update of fewer dimensions does not look at the sizes of the others.
-    const uint64_t uploaded = product(rowSize, std::max<uint64_t>(1, entry.height), std::max<uint64_t>(1, entry.depth),
-                                      FacesOfCube);
+    const uint64_t uploaded =
+        product(rowSize, std::max<uint64_t>(1, entry.height), std::max<uint64_t>(1, entry.depth), FacesOfCube);
     DataBlock block = makeZeroedBlock(uploaded);
     if (entry.data == nullptr || rowSize == 0)
     {
@@ -242,11 +241,16 @@ DataBlock joinCubeArrayFaces(const void* const* faces, uint64_t faceCount, uint6
                              uint64_t layers)
 {
     DataBlock block = makeZeroedBlock(product(imageSize, std::max(copiedLayers, layers), FacesOfCube));
+    if (imageSize == 0)
+    {
+        // Nothing bounds the number of layers then.
+        return block;
+    }
     for (uint64_t layer = 0; layer < copiedLayers; ++layer)
     {
         for (uint64_t face = 0; face < faceCount; ++face)
         {
-            if (faces[face] != nullptr && imageSize != 0)
+            if (faces[face] != nullptr)
             {
                 std::memcpy(block.get() + (layer * FacesOfCube + face) * imageSize,
                             static_cast<const uint8_t*>(faces[face]) + layer * imageSize,

@@ -48,8 +48,8 @@ uint64_t uploadedBlockSize(const TextureProperties& properties, uint64_t level);
 /// Whether the blocks of a level are the faces of a cube map array, which the device reads as one image.
 bool joinsFaces(const TextureProperties& properties);
 
-/// Copies the pixel blocks of a texture, in their order; a null pointer in the list gives a block of zeros. The faces of
-/// a level of a cube map array are joined into one block.
+/// Copies the pixel blocks of a texture, in their order; a null pointer in the list gives a block of zeros. The faces
+/// of a level of a cube map array are joined into one block.
 std::vector<DataBlock> copyTexturePixels(const TextureProperties& properties);
 
 /// Copies the box of a partial update so that it is tightly packed. The block has room for six such boxes, since the
@@ -57,8 +57,8 @@ std::vector<DataBlock> copyTexturePixels(const TextureProperties& properties);
 DataBlock copyBatchEntryPixels(const TextureUpdateBatchData& entry);
 
 /// Joins faces of a level of a cube map array into one image in the device's order: the six faces of the first layer,
-/// then those of the next, up to `layers`. Each of the faces holds `copiedLayers` images of `imageSize` bytes, one after
-/// the other. What a face does not give is zero, and so is a face that is null or missing.
+/// then those of the next, up to `layers`. Each of the faces holds `copiedLayers` images of `imageSize` bytes, one
+/// after the other. What a face does not give is zero, and so is a face that is null or missing.
 DataBlock joinCubeArrayFaces(const void* const* faces, uint64_t faceCount, uint64_t imageSize, uint64_t copiedLayers,
                              uint64_t layers);
 

@@ -18,10 +18,10 @@ RenderCache& RenderCache::operator=(const RenderCache& other) = default;
 
 RenderCache::~RenderCache() = default;
 
-#define RENDERENGINE_UPDATE_SHADER_PARAMETER(PROPERTIES) \
+#define RENDERENGINE_UPDATE_SHADER_PARAMETER(PROPERTIES)                                                          \
     void RenderCache::updateShaderParameter(const ShaderParameterHandle& parameter, const PROPERTIES& properties) \
-    { \
-        currentBuffer().record<CommandUpdateShaderParameter<PROPERTIES>>(parameter, properties); \
+    {                                                                                                             \
+        currentBuffer().record<CommandUpdateShaderParameter<PROPERTIES>>(parameter, properties);                  \
     }
 RENDERENGINE_SHADER_PARAMETERS(RENDERENGINE_UPDATE_SHADER_PARAMETER)
 #undef RENDERENGINE_UPDATE_SHADER_PARAMETER
@@ -164,12 +164,14 @@ uint64_t RenderCache::getCommandBufferSize() const
 void RenderCache::beginBufferList(unsigned count)
 {
     m_bufferList.clear();
-    m_bufferList.resize(count);
     m_bufferListIndex = 0;
-    for (std::shared_ptr<CommandBuffer>& buffer : m_bufferList)
+    // Made aside, so that an exhausted allocator leaves no empty element behind.
+    std::vector<std::shared_ptr<CommandBuffer>> list(count);
+    for (std::shared_ptr<CommandBuffer>& buffer : list)
     {
         buffer = std::make_shared<CommandBuffer>();
     }
+    m_bufferList = std::move(list);
 }
 
 void RenderCache::setBufferListIndex(unsigned index)

@@ -49,8 +49,7 @@ protected:
 ///
 /// Numbers and objects are two arrays since they have two lifetimes: a number exists from the client's call on, its
 /// object only once the create command has run. The slots have no lock and belong to the thread that executes commands.
-template <class HandleType, class Resource>
-class ResourceTable : public ResourceTableBase
+template <class HandleType, class Resource> class ResourceTable : public ResourceTableBase
 {
 public:
     /// Shared, so that a user can hold an object beyond a change of its slot; resetting the last holder destroys it.

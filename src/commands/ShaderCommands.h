@@ -77,8 +77,7 @@ struct CommandDestroyShaderParameter : CommandBase
 };
 
 /// Gives a shader parameter a new value, of which it holds a copy.
-template <class Properties>
-struct CommandUpdateShaderParameter : CommandBase
+template <class Properties> struct CommandUpdateShaderParameter : CommandBase
 {
     void set(const ShaderParameterHandle& shaderParameter, const Properties& newProperties)
     {
@@ -93,8 +92,7 @@ struct CommandUpdateShaderParameter : CommandBase
 };
 
 /// Makes a shader parameter of the type of its record, of which it holds a copy.
-template <class Properties>
-struct CommandCreateShaderParameter : CommandBase
+template <class Properties> struct CommandCreateShaderParameter : CommandBase
 {
     void set(const ShaderParameterHandle& shaderParameter, const Properties& newProperties)
     {

@@ -47,7 +47,8 @@ std::string CommandResizeTexture::name() const
     return "ResizeTexture";
 }
 
-void CommandUpdateTextureBatchData::set(const TextureHandle& texture, const TextureUpdateBatchDataProperties& newProperties)
+void CommandUpdateTextureBatchData::set(const TextureHandle& texture,
+                                        const TextureUpdateBatchDataProperties& newProperties)
 {
     freeOwnedBlocks();
     handle = texture;

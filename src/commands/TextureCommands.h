@@ -40,7 +40,8 @@ struct CommandUpdateTexture : CommandBase
     TextureHandle handle;
     /// `properties.data` points at `blocks`, one for one.
     TextureProperties properties;
-    /// The pixels, level by level, faces inside a level; the faces of a cube map array are joined into one block a level.
+    /// The pixels, level by level, faces inside a level; the faces of a cube map array are joined into one block a
+    /// level.
     std::vector<DataBlock> blocks;
 };
 

@@ -218,12 +218,21 @@ RendererBase* ContextBase::createDebugRenderer() const
 void ContextBase::startRenderThread()
 {
     m_renderLoop = std::make_unique<RenderLoop>(*this);
-    m_renderThread = std::make_unique<std::thread>(
-        [&loop = *m_renderLoop]
-        {
-            nameRenderThread();
-            loop();
-        });
+    try
+    {
+        m_renderThread = std::make_unique<std::thread>(
+            [&loop = *m_renderLoop]
+            {
+                nameRenderThread();
+                loop();
+            });
+    }
+    catch (...)
+    {
+        // A loop that nobody runs would make every operation that waits, and the destructor, wait for ever.
+        m_renderLoop.reset();
+        throw;
+    }
 }
 
 void ContextBase::stopRenderThread()

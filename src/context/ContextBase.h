@@ -144,7 +144,8 @@ protected:
     /// when it asks for another one.
     RendererBase* createDebugRenderer() const;
 
-    /// Starts the render thread, named "KVR_RenderThread_" and its id. To be called at the end of init().
+    /// Starts the render thread, named "KVR_RenderThread_" and its id. To be called at the end of init(). Throws
+    /// std::system_error when the system has no thread to give; the context then has none.
     void startRenderThread();
 
     /// Runs what was asked for, ends the render thread and joins it. Does nothing without one. To be called once.

@@ -8,10 +8,9 @@ namespace renderengine
 void DrawGL::setState(const std::shared_ptr<const GfxStateProperties>& newGfxState,
                       std::shared_ptr<const ShaderStateCoreProperties> newShaderState)
 {
-    shaderState =
-        newShaderState ? std::move(newShaderState) : std::make_shared<const ShaderStateCoreProperties>();
-    gfxState = newGfxState ? std::make_shared<GfxStateProperties>(*newGfxState)
-                           : std::make_shared<GfxStateProperties>();
+    shaderState = newShaderState ? std::move(newShaderState) : std::make_shared<const ShaderStateCoreProperties>();
+    gfxState =
+        newGfxState ? std::make_shared<GfxStateProperties>(*newGfxState) : std::make_shared<GfxStateProperties>();
     state = std::make_unique<StateGL>(gfxState);
 }
 

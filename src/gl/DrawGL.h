@@ -20,8 +20,8 @@ class DrawGL
 public:
     /// Takes the two records of a create or update command. Null stands for the default record.
     ///
-    /// The fixed-function record is copied: each draw writes the scale of its viewport into its own copy, and the client
-    /// may give one record to many draws.
+    /// The fixed-function record is copied: each draw writes the scale of its viewport into its own copy, and the
+    /// client may give one record to many draws.
     void setState(const std::shared_ptr<const GfxStateProperties>& newGfxState,
                   std::shared_ptr<const ShaderStateCoreProperties> newShaderState);
 

@@ -8,8 +8,8 @@
 namespace renderengine
 {
 
-/// What stands behind a draw-properties handle: the client's record, and the draws that list it, so that a change of the
-/// record reaches their batches without a search.
+/// What stands behind a draw-properties handle: the client's record, and the draws that list it, so that a change of
+/// the record reaches their batches without a search.
 struct DrawPropertiesGL
 {
     DrawProperties properties;

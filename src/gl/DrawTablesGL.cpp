@@ -21,11 +21,11 @@ struct AttributeEntry
 };
 
 // The entry points are looked up in the current context's table at each call, so the rows hold calls and not pointers.
-#define ATTRIBUTE_ENTRY(COMPONENTS, NORMALIZED, DATA_TYPE, FUNCTION, VALUE_TYPE)                                       \
-    AttributeEntry                                                                                                     \
-    {                                                                                                                  \
-        COMPONENTS, NORMALIZED, SbDataType::DATA_TYPE,                                                                 \
-            [](GLuint location, const void* value) { FUNCTION(location, static_cast<const VALUE_TYPE*>(value)); }      \
+#define ATTRIBUTE_ENTRY(COMPONENTS, NORMALIZED, DATA_TYPE, FUNCTION, VALUE_TYPE)                                  \
+    AttributeEntry                                                                                                \
+    {                                                                                                             \
+        COMPONENTS, NORMALIZED, SbDataType::DATA_TYPE,                                                            \
+            [](GLuint location, const void* value) { FUNCTION(location, static_cast<const VALUE_TYPE*>(value)); } \
     }
 
 const AttributeEntry attributeEntries[] = {

@@ -8,8 +8,8 @@
 namespace renderengine
 {
 
-/// One `glMultiDrawElementsBaseVertex`: all ranges of one primitive type of a batch. The three vectors have equal length
-/// and go to GL as they are.
+/// One `glMultiDrawElementsBaseVertex`: all ranges of one primitive type of a batch. The three vectors have equal
+/// length and go to GL as they are.
 struct MergedDraw
 {
     uint32_t primitive = 0; ///< index into `gltables::primitiveModes`

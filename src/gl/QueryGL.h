@@ -24,8 +24,8 @@ public:
     /// `glEndQuery`.
     void end() const;
 
-    /// Waits for the result and returns it: a count, 0 or 1 for the any-samples types, nanoseconds for the timers, 0 for
-    /// a query without a target.
+    /// Waits for the result and returns it: a count, 0 or 1 for the any-samples types, nanoseconds for the timers, 0
+    /// for a query without a target.
     uint64_t getResult() const;
 
 private:

@@ -79,15 +79,23 @@ void warnAboutFormats(const RenderTargetGL::ColorTextures& colorTextures, const 
     }
 }
 
-void warnAboutBuffer(const char* name, bool isSet, bool hasColor)
+void warnAboutBuffers(bool drawBuffer, bool readBuffer, bool hasColor)
 {
-    if (!hasColor && isSet)
+    if (!hasColor && drawBuffer)
     {
-        spdlog::warn("{} is NOT set to GL_NONE whereas there are NO color attachment.", name);
+        spdlog::warn("GL_DRAW_BUFFER is NOT set to GL_NONE whereas there are NO color attachment.");
     }
-    if (hasColor && !isSet)
+    if (!hasColor && readBuffer)
     {
-        spdlog::warn("{} is set to GL_NONE whereas there are color attachment.", name);
+        spdlog::warn("GL_READ_BUFFER is NOT set to GL_NONE whereas there are NO color attachment.");
+    }
+    if (hasColor && !drawBuffer)
+    {
+        spdlog::warn("GL_DRAW_BUFFER is set to GL_NONE whereas there are color attachment.");
+    }
+    if (hasColor && !readBuffer)
+    {
+        spdlog::warn("GL_READ_BUFFER is set to GL_NONE whereas there are color attachment.");
     }
 }
 
@@ -111,8 +119,7 @@ void RenderTargetGL::checkFramebuffer(const ColorTextures& colorTextures, const 
     warnAboutFormats(colorTextures, depth, stencil, depthStencil);
     const bool drawBuffer = isOn(GL_DRAW_BUFFER);
     const bool readBuffer = isOn(GL_READ_BUFFER);
-    warnAboutBuffer("GL_DRAW_BUFFER", drawBuffer, hasColor);
-    warnAboutBuffer("GL_READ_BUFFER", readBuffer, hasColor);
+    warnAboutBuffers(drawBuffer, readBuffer, hasColor);
     const bool depthWrite = isOn(GL_DEPTH_WRITEMASK);
     const bool hasDepthTexture = depth || depthStencil;
     if (!hasDepthTexture && depthWrite)

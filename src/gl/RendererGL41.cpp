@@ -207,7 +207,8 @@ void RendererGL41::captureFrame(size_t frame)
     glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, GL_UNSIGNED_BYTE,
                  pixels.data());
     flipRows(pixels, width, height);
-    graphicalTest.writeFrame(pixels.data(), SbVec2i32(static_cast<int32_t>(width), static_cast<int32_t>(height)), frame);
+    graphicalTest.writeFrame(pixels.data(), SbVec2i32(static_cast<int32_t>(width), static_cast<int32_t>(height)),
+                             frame);
 }
 
 void RendererGL41::drainDebugLog() const

@@ -25,15 +25,14 @@
 namespace renderengine
 {
 
-
 /// The renderer for OpenGL 4.1 and above.
 ///
 /// It needs no context to be constructed, only settings and tables. Everything else runs on the thread that has the
 /// context current, except the handle generators, and the three look-ups that a client may make after a blocking
 /// operation: `readbackTexture`, `getMappedBufferPointer` and `updatePresentEventArg`.
 ///
-/// An invalid handle is never fatal: the command reports one line, or nothing, and is skipped. GL errors are not tested;
-/// they surface through the debug output.
+/// An invalid handle is never fatal: the command reports one line, or nothing, and is skipped. GL errors are not
+/// tested; they surface through the debug output.
 class RendererGL41 : public RendererBase
 {
 public:
@@ -69,8 +68,8 @@ public:
     void execute(CommandRender& command) override;
 
     void execute(CommandDestroyShaderParameter& command) override;
-#define SHADER_PARAMETER_OVERLOADS(RECORD)                                                                             \
-    void execute(CommandUpdateShaderParameter<RECORD>& command) override;                                              \
+#define SHADER_PARAMETER_OVERLOADS(RECORD)                                \
+    void execute(CommandUpdateShaderParameter<RECORD>& command) override; \
     void execute(CommandCreateShaderParameter<RECORD>& command) override;
     RENDERENGINE_SHADER_PARAMETERS(SHADER_PARAMETER_OVERLOADS)
 #undef SHADER_PARAMETER_OVERLOADS
@@ -128,7 +127,8 @@ public:
 
     // Frame
 
-    /// Runs one frame: `begin`, the queued resource commands, the oldest queued frame if there is one, and then `finish`.
+    /// Runs one frame: `begin`, the queued resource commands, the oldest queued frame if there is one, and then
+    /// `finish`.
     void execute() override;
 
     /// The memory of a mapping, null when the buffer does not exist or is not mapped.
@@ -179,8 +179,8 @@ public:
 protected:
     // What RendererGL46 does differently
 
-    /// Puts program, patch vertices and clip planes into effect, as far as they differ from the current ones. The flag is
-    /// false only for render tasks of the fixed-function path and has no effect here.
+    /// Puts program, patch vertices and clip planes into effect, as far as they differ from the current ones. The flag
+    /// is false only for render tasks of the fixed-function path and has no effect here.
     virtual void setupShaderState(const ShaderStateCoreProperties& shaderState, bool programmable);
 
     /// Binds the shader buffers of the batch's first member and returns the next free binding point.

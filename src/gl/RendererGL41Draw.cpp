@@ -93,7 +93,7 @@ void RendererGL41::applyDrawStateDifferences(const DrawGL& draw)
         applyViewport(shaderState.viewport);
         m_currentViewport = shaderState.viewport;
     }
-    if (m_currentGfxState != *draw.gfxState)
+    if (!isSameRecord(m_currentGfxState, *draw.gfxState))
     {
         draw.state->applyDifferential(m_currentGfxState);
         m_currentGfxState = *draw.gfxState;

@@ -4,13 +4,24 @@
 
 #include <spdlog/spdlog.h>
 
+#include <cstring>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 // Templates of RendererGL41 that serve all of its resource tables alike; included by its source files only.
 
 namespace renderengine
 {
+
+/// Equality that is fast for records that are copies of each other, down to their padding, as those of neighbouring
+/// draws mostly are.
+template <class Record> bool isSameRecord(const Record& a, const Record& b)
+{
+    static_assert(std::is_trivially_copyable_v<Record>, "bytes stand for the record");
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): different bytes are followed by the real comparison
+    return std::memcmp(&a, &b, sizeof(Record)) == 0 || a == b;
+}
 
 template <class Handle, class Resource>
 Resource* RendererGL41::find(const ResourceTable<Handle, Resource>& table, const Handle& handle)
@@ -30,8 +41,7 @@ Resource* RendererGL41::findOrReport(const ResourceTable<Handle, Resource>& tabl
     return resource;
 }
 
-template <class Handle, class Resource>
-Handle RendererGL41::createHandle(ResourceTable<Handle, Resource>& table)
+template <class Handle, class Resource> Handle RendererGL41::createHandle(ResourceTable<Handle, Resource>& table)
 {
     Handle handle;
     return table.create(handle);

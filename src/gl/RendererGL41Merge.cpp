@@ -1,5 +1,5 @@
-// Merging: draws with many members are copied, on the GPU, into the shared buffers of a batch, so that one multi-draw per
-// primitive type replaces one draw per range.
+// Merging: draws with many members are copied, on the GPU, into the shared buffers of a batch, so that one multi-draw
+// per primitive type replaces one draw per range.
 
 #include "gl/RendererGL41.h"
 
@@ -281,8 +281,8 @@ void RendererGL41::mergeVertexBuffer(Batch& batch, const std::vector<const DrawP
     merged.setDirty(false);
 }
 
-/// Tells the shader which member a vertex belongs to. The bits of an unsigned integer travel as a float attribute, without
-/// a conversion; the shader reads them as bits.
+/// Tells the shader which member a vertex belongs to. The bits of an unsigned integer travel as a float attribute,
+/// without a conversion; the shader reads them as bits.
 void RendererGL41::appendDrawIndices(Batch& batch, const std::vector<uint64_t>& offsetElements, uint64_t elementCount)
 {
     std::vector<uint32_t> drawIndices;
@@ -323,12 +323,12 @@ void RendererGL41::mergeOverallAttributes(Batch& batch)
     }
 }
 
-void RendererGL41::mergeOverallAttribute(Batch& batch, const std::vector<const DrawProperties*>& members, size_t position,
-                                         uint64_t elementCount)
+void RendererGL41::mergeOverallAttribute(Batch& batch, const std::vector<const DrawProperties*>& members,
+                                         size_t position, uint64_t elementCount)
 {
     const OverallAttribute& pattern = members.front()->overallAttributes[position];
     const uint64_t valueSize =
-        std::min<uint64_t>(pattern.dataType.getSize() * pattern.componentCount, sizeof(pattern.value));
+        std::min<uint64_t>(uint64_t{pattern.dataType.getSize()} * pattern.componentCount, sizeof(pattern.value));
     const uint64_t bufferSize = valueSize * elementCount;
     const BufferHandle handle = createInternalBuffer(batch, 0, bufferSize, nullptr);
     BufferGL& buffer = *find(m_tables.buffers, handle);

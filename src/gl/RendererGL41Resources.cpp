@@ -111,8 +111,8 @@ void RendererGL41::execute(CommandUpdateDrawProperties& command)
 
 void RendererGL41::execute(CommandDestroyDrawProperties& command)
 {
-    const DrawPropertiesGL* drawProperties = findOrReport(
-        m_tables.drawProperties, command.handle, "[RendererGL] Trying to destroy an invalid draw properties.");
+    const DrawPropertiesGL* drawProperties = findOrReport(m_tables.drawProperties, command.handle,
+                                                          "[RendererGL] Trying to destroy an invalid draw properties.");
     if (drawProperties == nullptr)
     {
         return;

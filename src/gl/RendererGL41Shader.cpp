@@ -12,8 +12,8 @@ namespace renderengine
 namespace
 {
 
-/// The log of a failure is always kept, that of a success only when a developer asks for it. Read at each creation, so that
-/// a running program can be watched.
+/// The log of a failure is always kept, that of a success only when a developer asks for it. Read at each creation, so
+/// that a running program can be watched.
 bool wantsInfoLog(bool success)
 {
     return !success || SoPreferences::getBool("KVR_GLSL_DEBUG", false);
@@ -78,8 +78,7 @@ void RendererGL41::execute(CommandDestroyShaderProgram& command)
 
 // Shader parameters
 
-template <class Record>
-void RendererGL41::createShaderParameterResource(CommandCreateShaderParameter<Record>& command)
+template <class Record> void RendererGL41::createShaderParameterResource(CommandCreateShaderParameter<Record>& command)
 {
     if (command.handle.isValid())
     {
@@ -87,12 +86,11 @@ void RendererGL41::createShaderParameterResource(CommandCreateShaderParameter<Re
     }
 }
 
-template <class Record>
-void RendererGL41::updateShaderParameterResource(CommandUpdateShaderParameter<Record>& command)
+template <class Record> void RendererGL41::updateShaderParameterResource(CommandUpdateShaderParameter<Record>& command)
 {
     using Parameter = typename decltype(makeShaderParameterGL(command.properties))::element_type;
-    ShaderParameterGL* parameter = findOrReport(m_tables.shaderParameters, command.handle,
-                                                "[RendererGL] Trying to update an invalid param.");
+    ShaderParameterGL* parameter =
+        findOrReport(m_tables.shaderParameters, command.handle, "[RendererGL] Trying to update an invalid param.");
     if (parameter == nullptr)
     {
         return;
@@ -107,14 +105,14 @@ void RendererGL41::updateShaderParameterResource(CommandUpdateShaderParameter<Re
     }
 }
 
-#define SHADER_PARAMETER_OVERLOADS(RECORD)                                                                             \
-    void RendererGL41::execute(CommandUpdateShaderParameter<RECORD>& command)                                          \
-    {                                                                                                                  \
-        updateShaderParameterResource(command);                                                                        \
-    }                                                                                                                  \
-    void RendererGL41::execute(CommandCreateShaderParameter<RECORD>& command)                                          \
-    {                                                                                                                  \
-        createShaderParameterResource(command);                                                                        \
+#define SHADER_PARAMETER_OVERLOADS(RECORD)                                    \
+    void RendererGL41::execute(CommandUpdateShaderParameter<RECORD>& command) \
+    {                                                                         \
+        updateShaderParameterResource(command);                               \
+    }                                                                         \
+    void RendererGL41::execute(CommandCreateShaderParameter<RECORD>& command) \
+    {                                                                         \
+        createShaderParameterResource(command);                               \
     }
 RENDERENGINE_SHADER_PARAMETERS(SHADER_PARAMETER_OVERLOADS)
 #undef SHADER_PARAMETER_OVERLOADS

@@ -5,6 +5,8 @@
 #include "gl/DebugGroup.h"
 #include "gl/RendererGL41Find.h"
 
+#include <array>
+
 namespace renderengine
 {
 
@@ -22,14 +24,16 @@ bool isUnitSet(const TextureUnitProperties& block, GLuint unit)
 /// Used when the texture that is bound to the unit no longer exists, so that its target is not known.
 void unbindEveryTarget(GLuint unit)
 {
+    constexpr std::array<GLenum, 5> targets = {
+        {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_2D_MULTISAMPLE, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP}};
+    constexpr std::array<GLenum, 4> switches = {{GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP}};
     glActiveTexture(GL_TEXTURE0 + unit);
-    for (const GLenum target :
-         {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_2D_MULTISAMPLE, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP})
+    for (const GLenum target : targets)
     {
         glBindTexture(target, 0);
     }
     // In a core context these raise an error that only the debug output tells; the fixed-function path needs them.
-    for (const GLenum target : {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP})
+    for (const GLenum target : switches)
     {
         glDisable(target);
     }
@@ -91,7 +95,7 @@ void RendererGL41::setupShaderState(const ShaderStateCoreProperties& shaderState
     {
         m_currentShaderState.lightingFlags = shaderState.lightingFlags;
     }
-    if (full || shaderState.clipPlanes != m_currentShaderState.clipPlanes)
+    if (full || !isSameRecord(shaderState.clipPlanes, m_currentShaderState.clipPlanes))
     {
         for (GLuint i = 0; i < clipPlaneCount; ++i)
         {

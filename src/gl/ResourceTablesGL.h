@@ -24,8 +24,8 @@
 namespace renderengine
 {
 
-/// The fifteen resource tables of the OpenGL renderers. Numbers come from any thread; slots belong to the thread that has
-/// the context current. The capacity is what is reserved, not a limit.
+/// The fifteen resource tables of the OpenGL renderers. Numbers come from any thread; slots belong to the thread that
+/// has the context current. The capacity is what is reserved, not a limit.
 struct ResourceTablesGL
 {
     static constexpr uint32_t capacity = 65536;

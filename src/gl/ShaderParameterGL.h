@@ -27,6 +27,9 @@ public:
     const std::string& getName() const { return name; }
 
 protected:
+    void setName(const std::string& newName) { name = newName; }
+
+private:
     std::string name;
 };
 
@@ -39,7 +42,7 @@ public:
     /// Takes name and value.
     void update(const ShaderParameterProperties<T>& properties)
     {
-        name = properties.name;
+        setName(properties.name);
         value = properties.value;
     }
 
@@ -58,7 +61,7 @@ public:
     /// Takes name and values.
     void update(const ShaderParameterArrayProperties<T>& properties)
     {
-        name = properties.name;
+        setName(properties.name);
         value = properties.value;
     }
 

@@ -4,6 +4,7 @@
 
 #include <spdlog/spdlog.h>
 
+#include <locale>
 #include <sstream>
 #include <utility>
 
@@ -123,17 +124,17 @@ void ShaderProgramGL::reflectUniforms()
         GLenum type = GL_NONE;
         glGetActiveUniform(id, static_cast<GLuint>(i), static_cast<GLsizei>(buffer.size()), &length, &size, &type,
                            buffer.data());
-        std::string name = takeName(buffer, length);
+        const std::string name = takeName(buffer, length);
         const GLint location = glGetUniformLocation(id, name.c_str());
         // Members of uniform blocks are active but have no location.
         if (location != -1)
         {
-            storeUniform(std::move(name), size, location);
+            storeUniform(name, size, location);
         }
     }
 }
 
-void ShaderProgramGL::storeUniform(std::string name, GLint size, GLint location)
+void ShaderProgramGL::storeUniform(const std::string& name, GLint size, GLint location)
 {
     uniforms[name] = location;
     if (size <= 0)
@@ -146,6 +147,8 @@ void ShaderProgramGL::storeUniform(std::string name, GLint size, GLint location)
     for (GLint i = 1; i < size; ++i)
     {
         std::ostringstream stream;
+        // The global locale of the host may group digits.
+        stream.imbue(std::locale::classic());
         stream << plainName << '[' << i << ']';
         const std::string elementName = stream.str();
         const GLint computed = location + i;

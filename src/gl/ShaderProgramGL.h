@@ -66,7 +66,7 @@ private:
     void sendVaryings() const;
     void reflectAttributes();
     void reflectUniforms();
-    void storeUniform(std::string name, GLint size, GLint location);
+    void storeUniform(const std::string& name, GLint size, GLint location);
     void reflectBlocks(GLenum programInterface, BlockMap& blocks) const;
     void reflectUniformBlocksWithoutInterfaceQuery();
     GLint getParameter(GLenum parameter) const;

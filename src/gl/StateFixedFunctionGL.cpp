@@ -115,20 +115,21 @@ GLenum validEnvironmentMode(GLenum mode)
 
 } // namespace
 
-void StateGL::applyState(const TransformPart1Properties& part1, const TransformPart2Properties& part2) const
+void StateGL::applyState(const TransformPart1Properties& transformPart1,
+                         const TransformPart2Properties& transformPart2) const
 {
     RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "Transform");
     glMatrixMode(GL_PROJECTION);
-    glLoadMatrixf(part2.projection.getValue());
+    glLoadMatrixf(transformPart2.projection.getValue());
     // Downwards, so that unit 0 is the active one at the end.
     for (unsigned i = s_textureUnits; i-- > 0;)
     {
         glActiveTexture(GL_TEXTURE0 + i);
         glMatrixMode(GL_TEXTURE);
-        glLoadMatrixf(part1.textureMatrices[i].getValue());
+        glLoadMatrixf(transformPart1.textureMatrices[i].getValue());
     }
     glMatrixMode(GL_MODELVIEW);
-    const SbMatrix modelView = part1.model * part2.view;
+    const SbMatrix modelView = transformPart1.model * transformPart2.view;
     glLoadMatrixf(modelView.getValue());
 }
 

@@ -38,7 +38,8 @@ public:
 
     /// Projection, the texture matrices of units 7 to 0, and model times view. Ends in the model-view mode with
     /// GL_TEXTURE0 active.
-    void applyState(const TransformPart1Properties& part1, const TransformPart2Properties& part2) const;
+    void applyState(const TransformPart1Properties& transformPart1,
+                    const TransformPart2Properties& transformPart2) const;
     /// Colour, light model, lights (positions in eye coordinates) and materials.
     void applyState(const MaterialProperties& material, const LightingFlags& lightingFlags,
                     const LightProperties& lights) const;

@@ -7,6 +7,9 @@
 #include <spdlog/spdlog.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <limits>
+#include <new>
 
 namespace renderengine
 {
@@ -35,6 +38,21 @@ private:
     GLenum m_target;
     GLint m_saved = 0;
 };
+
+/// The product, or the largest number when it does not fit: no block of memory is that large.
+uint64_t saturatingProduct(std::initializer_list<uint64_t> factors)
+{
+    uint64_t product = 1;
+    for (const uint64_t factor : factors)
+    {
+        if (factor != 0 && product > std::numeric_limits<uint64_t>::max() / factor)
+        {
+            return std::numeric_limits<uint64_t>::max();
+        }
+        product *= factor;
+    }
+    return product;
+}
 
 /// Targets that the fixed-function pipeline switches on and off.
 bool hasEnable(GLenum target)
@@ -110,6 +128,7 @@ void TextureGL::update(const TextureProperties& properties)
     width = properties.width;
     height = properties.height;
     depth = properties.depth;
+    largestPixelCount = std::max(largestPixelCount, getPixelCount());
     freeReadback();
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     setParameters(properties);
@@ -220,6 +239,7 @@ void TextureGL::resize(uint32_t newWidth, uint32_t newHeight, uint32_t newDepth)
     width = newWidth;
     height = newHeight;
     depth = newDepth;
+    largestPixelCount = std::max(largestPixelCount, getPixelCount());
     const ScopedBinding binding(target, bindingQuery, id);
     if (!allocate())
     {
@@ -249,8 +269,17 @@ void TextureGL::readback()
     }
     if (!readbackData)
     {
-        readbackSize = std::max(getDataSize(), getPixelCount() * getReadbackPixelSize());
-        readbackData = std::make_unique<std::byte[]>(readbackSize);
+        // What GL refused to store anew keeps its former size, and GL writes as much as it stores.
+        const uint64_t blockSize =
+            std::max(getDataSize(), saturatingProduct({largestPixelCount, getReadbackPixelSize()}));
+        // Sizes that GL refused are still the texture's sizes, so the block may be more than there is memory.
+        readbackData.reset(new (std::nothrow) std::byte[blockSize]());
+        if (!readbackData)
+        {
+            spdlog::error("[TextureGL] There is no memory for {} bytes of read-back data.", blockSize);
+            return;
+        }
+        readbackSize = blockSize;
     }
     GLint savedBinding = 0;
     GLint savedAlignment = 0;
@@ -260,7 +289,7 @@ void TextureGL::readback()
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     if (target == GL_TEXTURE_CUBE_MAP)
     {
-        const uint64_t faceSize = readbackSize / s_faceCount;
+        const uint64_t faceSize = getPixelCount() * getReadbackPixelSize() / s_faceCount;
         for (uint32_t face = 0; face < s_faceCount; ++face)
         {
             glGetTexImage(GL_TEXTURE_CUBE_MAP_POSITIVE_X + face, 0, format, type, readbackData.get() + face * faceSize);
@@ -276,27 +305,26 @@ void TextureGL::readback()
 
 uint64_t TextureGL::getPixelCount() const
 {
-    const uint64_t plane = uint64_t{width} * height;
     switch (target)
     {
     case GL_TEXTURE_1D:
         return width;
     case GL_TEXTURE_CUBE_MAP:
-        return plane * s_faceCount;
+        return saturatingProduct({width, height, s_faceCount});
     case GL_TEXTURE_3D:
     case GL_TEXTURE_2D_ARRAY:
-        return plane * depth;
+        return saturatingProduct({width, height, depth});
     case GL_TEXTURE_CUBE_MAP_ARRAY:
-        return plane * depth * s_faceCount;
+        return saturatingProduct({width, height, depth, s_faceCount});
     default:
-        return plane;
+        return saturatingProduct({width, height});
     }
 }
 
 uint64_t TextureGL::getDataSize() const
 {
     const PixelTypeSize size = pixelTypeSize(type);
-    return getPixelCount() * (size.isWholePixel ? 1u : pixelComponents(format)) * size.bytes;
+    return saturatingProduct({getPixelCount(), size.isWholePixel ? 1u : pixelComponents(format), size.bytes});
 }
 
 uint64_t TextureGL::getReadbackPixelSize() const
@@ -336,6 +364,7 @@ void TextureGL::destroy()
         glDeleteTextures(1, &id);
     }
     id = 0;
+    largestPixelCount = 0;
     freeReadback();
 }
 

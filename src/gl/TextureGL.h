@@ -108,6 +108,7 @@ private:
     std::array<GLint, 4> swizzle{{GL_RED, GL_GREEN, GL_BLUE, GL_ALPHA}};
     std::unique_ptr<std::byte[]> readbackData;
     uint64_t readbackSize = 0;
+    uint64_t largestPixelCount = 0; // of all sizes given since the name was made
 };
 
 } // namespace renderengine

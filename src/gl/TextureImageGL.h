@@ -14,8 +14,8 @@ namespace renderengine
 class ShaderProgramGL;
 class TextureGL;
 
-/// What stands behind a texture-image handle: one level of a texture that a shader reads or writes through an image unit.
-/// Only `RendererGL46` binds it.
+/// What stands behind a texture-image handle: one level of a texture that a shader reads or writes through an image
+/// unit. Only `RendererGL46` binds it.
 class TextureImageGL
 {
 public:

@@ -1,11 +1,15 @@
 #include "platform/EGLDisplays.h"
 
+#include "platform/EGLAttributes.h"
+
 #include <EGL/eglext.h>
 #include <dlfcn.h>
+#include <spdlog/spdlog.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace renderengine
 {
@@ -39,15 +43,29 @@ EGLConfigInfo readConfig(EGLDisplay display, EGLConfig config, bool hasFloat)
     return info;
 }
 
-/// The display, read, when it can be initialised and offers OpenGL.
-std::shared_ptr<const EGLDisplayInfo> tryDisplay(EGLDisplay display)
+void reportRefused(const std::string& name, const std::string& reason)
+{
+    spdlog::info("Platform: EGL on {} is not taken: {}", name, reason);
+}
+
+/// The display, read, when it can be initialised and offers OpenGL. The log tells the choice and the reason against.
+std::shared_ptr<const EGLDisplayInfo> tryDisplay(const std::string& name, EGLDisplay display)
 {
     if (display == EGL_NO_DISPLAY || !eglInitialize(display, nullptr, nullptr))
     {
+        reportRefused(name, eglErrorName(static_cast<unsigned long>(eglGetError())));
         return nullptr;
     }
     std::shared_ptr<const EGLDisplayInfo> info = readEGLDisplay(display);
-    return info->configs.empty() ? nullptr : info;
+    if (info->configs.empty())
+    {
+        reportRefused(name, "it offers no OpenGL");
+        return nullptr;
+    }
+    const char* version = eglQueryString(display, EGL_VERSION);
+    const char* vendor = eglQueryString(display, EGL_VENDOR);
+    spdlog::info("Platform: EGL on {}, version {} of {}", name, version ? version : "?", vendor ? vendor : "?");
+    return info;
 }
 
 std::shared_ptr<const EGLDisplayInfo> tryDevices(bool isHardware)
@@ -55,9 +73,11 @@ std::shared_ptr<const EGLDisplayInfo> tryDevices(bool isHardware)
     const auto queryDevices = reinterpret_cast<PFNEGLQUERYDEVICESEXTPROC>(eglGetProcAddress("eglQueryDevicesEXT"));
     const auto queryDeviceString =
         reinterpret_cast<PFNEGLQUERYDEVICESTRINGEXTPROC>(eglGetProcAddress("eglQueryDeviceStringEXT"));
+    const std::string name = isHardware ? "a hardware device" : "a software device";
     EGLint count = 0;
     if (!queryDevices || !queryDevices(0, nullptr, &count) || count <= 0)
     {
+        reportRefused(name, "EGL lists no devices");
         return nullptr;
     }
     std::vector<EGLDeviceEXT> devices(static_cast<size_t>(count));
@@ -66,6 +86,7 @@ std::shared_ptr<const EGLDisplayInfo> tryDevices(bool isHardware)
         return nullptr;
     }
     devices.resize(static_cast<size_t>(count));
+    bool isTried = false;
     for (EGLDeviceEXT device : devices)
     {
         const char* extensions = queryDeviceString ? queryDeviceString(device, EGL_EXTENSIONS) : nullptr;
@@ -73,10 +94,15 @@ std::shared_ptr<const EGLDisplayInfo> tryDevices(bool isHardware)
         {
             continue;
         }
-        if (auto info = tryDisplay(eglGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr)))
+        isTried = true;
+        if (auto info = tryDisplay(name, eglGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr)))
         {
             return info;
         }
+    }
+    if (!isTried)
+    {
+        reportRefused(name, "there is none");
     }
     return nullptr;
 }
@@ -145,13 +171,18 @@ std::shared_ptr<const EGLDisplayInfo> openEGLDisplay()
 {
     const char* extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
     const char* server = std::getenv("DISPLAY");
-    if (server && *server != '\0' &&
-        (hasExtension(extensions, "EGL_KHR_platform_x11") || hasExtension(extensions, "EGL_EXT_platform_x11")))
+    if (!server || *server == '\0')
     {
-        if (auto info = tryDisplay(eglGetPlatformDisplay(EGL_PLATFORM_X11_KHR, EGL_DEFAULT_DISPLAY, nullptr)))
-        {
-            return info;
-        }
+        reportRefused("an X server", "DISPLAY names none");
+    }
+    else if (!hasExtension(extensions, "EGL_KHR_platform_x11") && !hasExtension(extensions, "EGL_EXT_platform_x11"))
+    {
+        reportRefused("an X server", "EGL lacks the extension");
+    }
+    else if (auto info = tryDisplay(std::string("the X server ") + server,
+                                    eglGetPlatformDisplay(EGL_PLATFORM_X11_KHR, EGL_DEFAULT_DISPLAY, nullptr)))
+    {
+        return info;
     }
     if (hasExtension(extensions, "EGL_EXT_platform_device"))
     {
@@ -165,12 +196,13 @@ std::shared_ptr<const EGLDisplayInfo> openEGLDisplay()
     }
     if (hasExtension(extensions, "EGL_MESA_platform_surfaceless"))
     {
-        if (auto info = tryDisplay(eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr)))
+        if (auto info = tryDisplay("the surfaceless platform",
+                                   eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr)))
         {
             return info;
         }
     }
-    return tryDisplay(eglGetDisplay(EGL_DEFAULT_DISPLAY));
+    return tryDisplay("the default display", eglGetDisplay(EGL_DEFAULT_DISPLAY));
 }
 
 bool hasExtension(const char* list, const char* name)

@@ -3,8 +3,10 @@
 #include <renderengine/WGLConstants.h>
 
 #include <kavelor/SoDevice.h>
+#include <spdlog/spdlog.h>
 
 #include <cstdint>
+#include <mutex>
 
 namespace renderengine
 {
@@ -28,7 +30,12 @@ class PlatformWin32 : public PlatformLayer
 public:
     HGLRC createContext(HDC display) override { return wglCreateContext(display); }
     bool deleteContext(HGLRC context) override { return wglDeleteContext(context) != FALSE; }
-    bool makeCurrent(HDC display, HGLRC context) override { return wglMakeCurrent(display, context) != FALSE; }
+    bool makeCurrent(HDC display, HGLRC context) override
+    {
+        // Releasing nothing succeeds; not every driver's function agrees.
+        const bool isNothing = !context && !wglGetCurrentContext();
+        return isNothing || wglMakeCurrent(display, context) != FALSE;
+    }
     HGLRC currentContext() override { return wglGetCurrentContext(); }
     HDC currentDisplay() override { return wglGetCurrentDC(); }
     void* procAddress(const char* name) override;
@@ -62,6 +69,8 @@ public:
     HWND createWindow(void* module, const char* className, const char* title, unsigned int style, int x, int y,
                       int width, int height) override
     {
+        static std::once_flag s_told;
+        std::call_once(s_told, [] { spdlog::info("Platform: WGL on windows of the system"); });
         return CreateWindowExA(0, className, title, style, x, y, width, height, nullptr, nullptr,
                                static_cast<HINSTANCE>(module), nullptr);
     }

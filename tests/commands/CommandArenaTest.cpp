@@ -18,8 +18,7 @@ namespace
 using namespace renderengine;
 
 /// A command of a chosen size that checks its own bytes when it goes.
-template <std::size_t Size>
-struct FilledCommand : CommandBase
+template <std::size_t Size> struct FilledCommand : CommandBase
 {
     FilledCommand() = default;
     ~FilledCommand() override
@@ -152,7 +151,7 @@ TEST(CommandArena, DoesNotStartItsChunkOverWhileACommandIsHeld)
     EXPECT_EQ(dynamic_cast<CommandRender&>(*held).handle.id, 7u);
 }
 
-struct HeldList : TaskInterface
+struct HeldList final : TaskInterface
 {
     void run() override {}
 

@@ -39,8 +39,11 @@ public:
     OverloadRecorder() : RendererNull(false) {}
 
     using RendererNull::execute;
-#define RECORD_OVERLOAD(COMMAND) \
-    void execute(COMMAND& command) override { m_calls.emplace_back(#COMMAND, &command); }
+#define RECORD_OVERLOAD(COMMAND)                  \
+    void execute(COMMAND& command) override       \
+    {                                             \
+        m_calls.emplace_back(#COMMAND, &command); \
+    }
     RENDERENGINE_COMMANDS(RECORD_OVERLOAD)
 #undef RECORD_OVERLOAD
 
@@ -89,8 +92,7 @@ TEST(Commands, AnswerSomeNamesThatAreEasilyMistaken)
     EXPECT_EQ(CommandUpdateShaderBuffer().name(), "UpdateShaderBuffer");
     EXPECT_EQ(CommandAddDrawProperties().name(), "CommandAddDrawProperties");
     EXPECT_EQ(CommandCreateShaderParameter<ShaderParameterProperties<float>>().name(), "CreateShaderParameter");
-    EXPECT_EQ(CommandUpdateShaderParameter<ShaderParameterArrayProperties<SbMatrix>>().name(),
-              "UpdateShaderParameter");
+    EXPECT_EQ(CommandUpdateShaderParameter<ShaderParameterArrayProperties<SbMatrix>>().name(), "UpdateShaderParameter");
 }
 
 TEST(Commands, ReachTheOverloadOfTheirClassWithThemselves)

@@ -217,8 +217,7 @@ TEST(PixelLayout, GivesABatchEntryRoomForSixFacesOfZeros)
     entry.depth = 2;
     entry.format = 3;
     entry.data = pixels.data();
-    EXPECT_EQ(bytesOf(copyBatchEntryPixels(entry), 12),
-              (std::vector<uint8_t>{1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(bytesOf(copyBatchEntryPixels(entry), 12), (std::vector<uint8_t>{1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 TEST(PixelLayout, CopiesAnEmptyBoxAndANullPointerAsZeros)
@@ -267,8 +266,8 @@ TEST(PixelLayout, GivesOneJoinedBlockForEachLevelOfACubeArray)
     EXPECT_TRUE(joinsFaces(properties));
     const std::vector<DataBlock> blocks = copyTexturePixels(properties);
     ASSERT_EQ(blocks.size(), 2u);
-    EXPECT_EQ(bytesOf(blocks[0], 24), (std::vector<uint8_t>{1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6,
-                                                            1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6}));
+    EXPECT_EQ(bytesOf(blocks[0], 24),
+              (std::vector<uint8_t>{1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6}));
     EXPECT_EQ(bytesOf(blocks[1], 12), (std::vector<uint8_t>{7, 8, 9, 10, 11, 12, 0, 0, 0, 0, 0, 0}));
 }
 
@@ -301,6 +300,16 @@ TEST(PixelLayout, StaysAtTheLargestSizeInsteadOfWrapping)
     const TextureProperties huge = texture(6, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu);
     EXPECT_EQ(copiedBlockSize(huge, 0), ~uint64_t(0));
     EXPECT_EQ(uploadedBlockSize(huge, 0), ~uint64_t(0));
+}
+
+TEST(PixelLayout, JoinsEmptyImagesOfAnyNumberOfLayersAtOnce)
+{
+    const uint8_t pixel = 0;
+    TextureProperties properties = texture(8, 4, 4, 0xFFFFFFFFu);
+    properties.compressed = 1;
+    properties.sizes = {0};
+    properties.data.assign(6, &pixel);
+    EXPECT_EQ(copyTexturePixels(properties).size(), 1u);
 }
 
 } // namespace

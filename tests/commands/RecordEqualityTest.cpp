@@ -30,14 +30,13 @@ namespace
 
 using namespace renderengine;
 
-struct EmptyTask : TaskInterface
+struct EmptyTask final : TaskInterface
 {
     void run() override {}
 };
 
 /// Expects that two records are equal until one is changed.
-template <class Record, class Change>
-void expectUnequalAfter(const Change& change)
+template <class Record, class Change> void expectUnequalAfter(const Change& change)
 {
     Record changed;
     const Record original;
@@ -50,10 +49,10 @@ void expectUnequalAfter(const Change& change)
     EXPECT_TRUE(changed == copy);
 }
 
-#define EXPECT_COMPARED(RECORD, CHANGE) \
-    do \
-    { \
-        SCOPED_TRACE(#CHANGE); \
+#define EXPECT_COMPARED(RECORD, CHANGE)                                     \
+    do                                                                      \
+    {                                                                       \
+        SCOPED_TRACE(#CHANGE);                                              \
         expectUnequalAfter<RECORD>([&](RECORD& record) { record.CHANGE; }); \
     } while (false)
 

@@ -28,14 +28,13 @@ std::vector<uint32_t> drawIds(const RenderCache& cache)
     return ids;
 }
 
-template <class Command>
-const Command& lastCommand(const RenderCache& cache)
+template <class Command> const Command& lastCommand(const RenderCache& cache)
 {
     const auto buffer = cache.getCommandBuffer();
     return dynamic_cast<const Command&>(**(buffer->end() - 1));
 }
 
-struct CountingTask : TaskInterface
+struct CountingTask final : TaskInterface
 {
     void run() override { ++runs; }
 

@@ -150,6 +150,16 @@ TEST_P(ContextRoadTest, DiscardFrameDropsHeadTailAndQueue)
     EXPECT_EQ(m_trace.take(), runAndFinish({"begin", "CommandCreateBuffer 20", "finish"}));
 }
 
+TEST_P(ContextRoadTest, ABufferIsCreatedByTheNextFlushingOperationAndUpdatedByTheFrame)
+{
+    const BufferHandle buffer = m_context->createBuffer(BufferProperties());
+    m_context->updateBuffer(buffer, BufferProperties());
+    m_context->unmapBuffer(BufferHandle(1));
+    EXPECT_EQ(m_trace.take(), run({"CommandCreateBuffer 20", "CommandUnmapBuffer 1"}));
+    m_context->execute(true);
+    EXPECT_EQ(m_trace.take(), runAndFinish({"begin", "CommandUpdateBuffer 20", "finish"}));
+}
+
 TEST_P(ContextRoadTest, FlushRunsTheFrameWithoutFinishingItOnTheClientsThread)
 {
     m_context->createQuery(0);
@@ -483,6 +493,21 @@ TEST(ContextBaseTest, ANewContextHasNoRendererAndNoThread)
     const FakeContext context(ContextMultithread, trace, nullptr);
     EXPECT_EQ(context.getRenderer(), nullptr);
     EXPECT_FALSE(context.isRenderThreaded());
+}
+
+TEST(ContextBaseTest, ADiscardedDestroyLeavesTheObjectAliveAndItsNumberTaken)
+{
+    const testing::LogCapture log;
+    testing::Trace trace;
+    FakeContext context(ContextShare, trace, new RendererLog(false));
+    const TextureHandle texture = context.createTexture(TextureProperties());
+    context.execute(true);
+    context.destroyTexture(texture);
+    context.discardFrame();
+    EXPECT_NE(context.createTexture(TextureProperties()), texture);
+    context.destroyTexture(texture);
+    context.execute(true);
+    EXPECT_EQ(context.createTexture(TextureProperties()), texture);
 }
 
 class DebugRendererTest : public ::testing::Test

@@ -85,12 +85,12 @@ TEST_F(RendererGL41ClearTest, MasksEndAsTheCommandSays)
     ClearTargetProperties properties;
     properties.flags = 1;
     properties.stencilWriteMask = 0xF0;
-    EXPECT_EQ(callsOf<CommandClearRT>(scene.shaderState.renderTarget, properties),
-              (Texts{"glColorMaski(0, GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE)",
-                     "glClearBufferfv(GL_COLOR, 0, {0, 0, 0, 0})", "glDepthMask(GL_TRUE)",
-                     "glStencilMaskSeparate(GL_FRONT_AND_BACK, 255)",
-                     "glColorMaski(0, GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE)",
-                     "glStencilMaskSeparate(GL_FRONT_AND_BACK, 240)"}));
+    EXPECT_EQ(
+        callsOf<CommandClearRT>(scene.shaderState.renderTarget, properties),
+        (Texts{"glColorMaski(0, GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE)", "glClearBufferfv(GL_COLOR, 0, {0, 0, 0, 0})",
+               "glDepthMask(GL_TRUE)", "glStencilMaskSeparate(GL_FRONT_AND_BACK, 255)",
+               "glColorMaski(0, GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE)",
+               "glStencilMaskSeparate(GL_FRONT_AND_BACK, 240)"}));
     // The next draw finds its own masks changed and sends both groups again.
     const Texts draw = drawCalls(scene);
     EXPECT_EQ(draw.at(0), "glColorMaski(0, GL_FALSE, GL_TRUE, GL_TRUE, GL_TRUE)");

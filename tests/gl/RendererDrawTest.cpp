@@ -97,9 +97,8 @@ TEST_F(RendererGL41DrawTest, DrawWithoutProgramForgetsTheCurrentOne)
     other.shaderState.program = ShaderProgramHandle();
     other.draw = makeDraw(other, {other.member});
     EXPECT_EQ(drawCalls(other), Texts{"glUseProgram(0)"});
-    EXPECT_EQ(drawCalls(scene), join({{"glPatchParameteri(GL_PATCH_VERTICES, 1)", "glUseProgram(1)"},
-                                      clipPlanesOff,
-                                      triangleCalls}));
+    EXPECT_EQ(drawCalls(scene),
+              join({{"glPatchParameteri(GL_PATCH_VERTICES, 1)", "glUseProgram(1)"}, clipPlanesOff, triangleCalls}));
 }
 
 TEST_F(RendererGL41DrawTest, OnlyAChangedTargetIsBound)
@@ -162,8 +161,7 @@ TEST_F(RendererGL41DrawTest, OnlyTheChangedStateGroupIsSent)
     scene.gfxState.scissor.enable = true;
     scene.gfxState.scissor.rectangle = SbVec4us(1, 2, 3, 4);
     updateState(scene);
-    EXPECT_EQ(drawCalls(scene),
-              join({{"glEnable(GL_SCISSOR_TEST)", "glScissor(1, 2, 3, 4)"}, triangleCalls}));
+    EXPECT_EQ(drawCalls(scene), join({{"glEnable(GL_SCISSOR_TEST)", "glScissor(1, 2, 3, 4)"}, triangleCalls}));
 }
 
 TEST_F(RendererGL41DrawTest, ChangedPatchVerticesUseTheProgramAgain)
@@ -172,8 +170,7 @@ TEST_F(RendererGL41DrawTest, ChangedPatchVerticesUseTheProgramAgain)
     drawCalls(scene);
     scene.shaderState.patchVertices = 4;
     updateState(scene);
-    EXPECT_EQ(drawCalls(scene),
-              join({{"glPatchParameteri(GL_PATCH_VERTICES, 4)", "glUseProgram(1)"}, triangleCalls}));
+    EXPECT_EQ(drawCalls(scene), join({{"glPatchParameteri(GL_PATCH_VERTICES, 4)", "glUseProgram(1)"}, triangleCalls}));
 }
 
 TEST_F(RendererGL41DrawTest, ChangedClipPlanesSendAllEight)
@@ -199,21 +196,21 @@ TEST_F(RendererGL41DrawTest, TexturesAreComparedAsOneBlock)
     updateState(scene);
     const Texts bindFirst = {"glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 2)",
                              "glEnable(GL_TEXTURE_2D)", "glBindSampler(0, 1)"};
-    EXPECT_EQ(drawCalls(scene), join({bindFirst,
-                                      {"glActiveTexture(GL_TEXTURE2)", "glBindTexture(GL_TEXTURE_3D, 3)",
-                                       "glEnable(GL_TEXTURE_3D)", "glBindSampler(2, 0)",
-                                       "glActiveTexture(GL_TEXTURE0)"},
-                                      triangleCalls}));
+    EXPECT_EQ(drawCalls(scene),
+              join({bindFirst,
+                    {"glActiveTexture(GL_TEXTURE2)", "glBindTexture(GL_TEXTURE_3D, 3)", "glEnable(GL_TEXTURE_3D)",
+                     "glBindSampler(2, 0)", "glActiveTexture(GL_TEXTURE0)"},
+                    triangleCalls}));
     EXPECT_EQ(drawCalls(scene), triangleCalls);
 
     // The unit that falls away is unbound; the other one is bound again, since blocks are compared as a whole.
     scene.shaderState.textures.mask = 0b001;
     updateState(scene);
-    EXPECT_EQ(drawCalls(scene), join({bindFirst,
-                                      {"glActiveTexture(GL_TEXTURE2)", "glBindTexture(GL_TEXTURE_3D, 0)",
-                                       "glDisable(GL_TEXTURE_3D)", "glBindSampler(2, 0)",
-                                       "glActiveTexture(GL_TEXTURE0)"},
-                                      triangleCalls}));
+    EXPECT_EQ(drawCalls(scene),
+              join({bindFirst,
+                    {"glActiveTexture(GL_TEXTURE2)", "glBindTexture(GL_TEXTURE_3D, 0)", "glDisable(GL_TEXTURE_3D)",
+                     "glBindSampler(2, 0)", "glActiveTexture(GL_TEXTURE0)"},
+                    triangleCalls}));
 }
 
 TEST_F(RendererGL41DrawTest, TextureOfAnotherTargetMakesRoomFirst)
@@ -239,10 +236,10 @@ TEST_F(RendererGL41DrawTest, DestroyOfABoundTextureUnbindsTheWholeBlockFirst)
     scene.shaderState.textures.textures[0] = makeTexture();
     updateState(scene);
     drawCalls(scene);
-    EXPECT_EQ(callsOf<CommandDestroyTexture>(scene.shaderState.textures.textures[0]),
-              (Texts{"glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 0)", "glDisable(GL_TEXTURE_2D)",
-                     "glBindSampler(0, 0)", "glActiveTexture(GL_TEXTURE0)", "glIsTexture(2)",
-                     "glDeleteTextures(1, {2})"}));
+    EXPECT_EQ(
+        callsOf<CommandDestroyTexture>(scene.shaderState.textures.textures[0]),
+        (Texts{"glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 0)", "glDisable(GL_TEXTURE_2D)",
+               "glBindSampler(0, 0)", "glActiveTexture(GL_TEXTURE0)", "glIsTexture(2)", "glDeleteTextures(1, {2})"}));
     // The draw still names it: a texture that is gone binds 0.
     EXPECT_EQ(drawCalls(scene), join({{"glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 0)",
                                        "glBindSampler(0, 0)", "glActiveTexture(GL_TEXTURE0)"},
@@ -271,11 +268,11 @@ TEST_F(RendererGL41DrawTest, ShaderBuffersTakeBindingPointsInOrderWithoutGaps)
     run<CommandRender>(scene.draw);
     Texts blocks = gl.calls();
     blocks.resize(9);
-    EXPECT_EQ(blocks, (Texts{"glBindBufferBase(GL_UNIFORM_BUFFER, 0, 3)", "glUniformBlockBinding(1, 2, 0)",
-                             "glBindBufferBase(GL_SHADER_STORAGE_BUFFER, 1, 4)",
-                             "glShaderStorageBlockBinding(1, 0, 1)", "glUniform1f(0, 1)",
-                             "glBindBufferBase(GL_UNIFORM_BUFFER, 2, 5)", "glUniformBlockBinding(1, 0, 2)",
-                             "glBindBufferBase(GL_UNIFORM_BUFFER, 3, 6)", "glUniform1i(1, 0)"}));
+    EXPECT_EQ(blocks,
+              (Texts{"glBindBufferBase(GL_UNIFORM_BUFFER, 0, 3)", "glUniformBlockBinding(1, 2, 0)",
+                     "glBindBufferBase(GL_SHADER_STORAGE_BUFFER, 1, 4)", "glShaderStorageBlockBinding(1, 0, 1)",
+                     "glUniform1f(0, 1)", "glBindBufferBase(GL_UNIFORM_BUFFER, 2, 5)", "glUniformBlockBinding(1, 0, 2)",
+                     "glBindBufferBase(GL_UNIFORM_BUFFER, 3, 6)", "glUniform1i(1, 0)"}));
 }
 
 TEST_F(RendererGL41DrawTest, ParametersAreSentByNameAndUnknownOnesSkipped)
@@ -430,6 +427,23 @@ TEST_F(RendererGL41DrawTest, MissingBaseInstanceMovesInstancedAttributes)
               (Texts{"glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, 0, 4)",
                      "glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, 0, 28)",
                      "glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, 0, 4)"}));
+}
+
+TEST_F(RendererGL41DrawTest, PrimitiveTypesHaveTheirModes)
+{
+    const char* const modes[] = {"GL_POINTS",    "GL_LINES",          "GL_LINE_LOOP",    "GL_LINE_STRIP",
+                                 "GL_TRIANGLES", "GL_TRIANGLE_STRIP", "GL_TRIANGLE_FAN", "GL_PATCHES",
+                                 "GL_QUADS",     "GL_QUAD_STRIP",     "GL_POLYGON"};
+    Scene scene = makeScene();
+    uint32_t primitive = 0;
+    for (const char* const mode : modes)
+    {
+        scene.properties.ranges[0].primitive = primitive++;
+        run<CommandUpdateDrawProperties>(scene.member, scene.properties);
+        gl.clear();
+        run<CommandRender>(scene.draw);
+        EXPECT_EQ(gl.countOf("glDrawElementsInstancedBaseInstance(" + std::string(mode) + ", "), 1u);
+    }
 }
 
 struct AttributeRow

@@ -126,6 +126,10 @@ TEST_F(RendererGL41FrameTest, InitInstallsTheCallbackOnlyForDebugging)
 {
     renderer->init();
     EXPECT_EQ(gl.takeCalls(), Texts{});
+    for (const SoPreferences::AskedKey& key : SoPreferences::getAskedKeys())
+    {
+        EXPECT_NE(key.name.toStdString(), "KVR_OPENGL_DEBUG_VERBOSE_LEVEL");
+    }
     start<RendererGL41>(true);
     renderer->init();
     EXPECT_EQ(gl.takeCalls(),

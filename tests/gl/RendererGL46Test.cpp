@@ -124,13 +124,13 @@ TEST_F(RendererGL46Test, MergedBlocksAreConnectedByTheirNames)
                       {{"TransformIndirectBuffer"}, {"TransformMergedBuffer"}, {"MaterialMergedBuffer"}},
                       {}});
     scene.shaderState.program = makeProgram();
-    const DrawHandle draw =
-        makeMergedDraw(scene, {{block("Transform", 1), block("Material", 2)}, {block("Transform", 3), block("Material", 4)}});
+    const DrawHandle draw = makeMergedDraw(
+        scene, {{block("Transform", 1), block("Material", 2)}, {block("Transform", 3), block("Material", 4)}});
     gl.clear();
     run<CommandRender>(draw);
-    EXPECT_EQ(gl.callsMatching("glUniformBlockBinding("),
-              (Texts{"glUniformBlockBinding(2, 0, 2)", "glUniformBlockBinding(2, 1, 3)",
-                     "glUniformBlockBinding(2, 2, 5)"}));
+    EXPECT_EQ(
+        gl.callsMatching("glUniformBlockBinding("),
+        (Texts{"glUniformBlockBinding(2, 0, 2)", "glUniformBlockBinding(2, 1, 3)", "glUniformBlockBinding(2, 2, 5)"}));
 }
 
 TEST_F(RendererGL46Test, StorageBuffersHaveOneValueAMember)
@@ -138,8 +138,8 @@ TEST_F(RendererGL46Test, StorageBuffersHaveOneValueAMember)
     SoPreferences::setBool("KVR_SHADER_BUFFERS_MERGING_USE_UBO", false);
     restart();
     Scene scene = makeScene();
-    const DrawHandle draw =
-        makeMergedDraw(scene, {{block("Transform", 1), block("Material", 2)}, {block("Transform", 3), block("Material", 4)}});
+    const DrawHandle draw = makeMergedDraw(
+        scene, {{block("Transform", 1), block("Material", 2)}, {block("Transform", 3), block("Material", 4)}});
     gl.clear();
     run<CommandRender>(draw);
     EXPECT_EQ(boundContent("GL_SHADER_STORAGE_BUFFER", 2), (std::vector<uint32_t>{0, 1}));
@@ -165,8 +165,8 @@ TEST_F(RendererGL46Test, WithoutTheMergeOnlyTheFirstMembersBuffersAreBound)
     restart();
     beginWithBlockSize(16);
     Scene scene = makeScene();
-    const DrawHandle draw =
-        makeMergedDraw(scene, {{block("Transform", 1), block("Material", 2)}, {block("Transform", 3), block("Material", 4)}});
+    const DrawHandle draw = makeMergedDraw(
+        scene, {{block("Transform", 1), block("Material", 2)}, {block("Transform", 3), block("Material", 4)}});
     gl.clear();
     run<CommandRender>(draw);
     EXPECT_EQ(gl.countOf("glBindBufferBase("), 2u);
@@ -230,7 +230,8 @@ TEST_F(RendererGL46Test, ChangeOfASourceRebuildsAndLeavesNothingBehind)
     beginWithBlockSize(16384);
     Scene scene = makeScene();
     const ShaderBufferHandle transform = block("Transform", 1);
-    const DrawHandle draw = makeMergedDraw(scene, {{transform, block("Material", 2)}, {transform, block("Material", 3)}});
+    const DrawHandle draw =
+        makeMergedDraw(scene, {{transform, block("Material", 2)}, {transform, block("Material", 3)}});
     run<CommandRender>(draw);
     const size_t live = gl.live("Buffer");
     const size_t made = gl.made("Buffer");

@@ -152,7 +152,8 @@ TEST_F(RendererGL41MergeTest, TwoMembersAreCopiedIntoSharedBuffers)
                      "glGetBufferParameteri64v(GL_COPY_READ_BUFFER, GL_BUFFER_SIZE, <pointer>)",
                      "glCopyBufferSubData(GL_COPY_READ_BUFFER, GL_COPY_WRITE_BUFFER, " + std::to_string(readOffset) +
                          ", " + std::to_string(writeOffset) + ", " + std::to_string(size) + ")",
-                     "glBindBuffer(GL_COPY_WRITE_BUFFER, 0)", "glBindBuffer(GL_COPY_READ_BUFFER, 0)"};
+                     "glBindBuffer(GL_COPY_WRITE_BUFFER, 0)",
+                     "glBindBuffer(GL_COPY_READ_BUFFER, 0)"};
     };
     const auto create = [](int name, int size, const char* data)
     {
@@ -161,19 +162,16 @@ TEST_F(RendererGL41MergeTest, TwoMembersAreCopiedIntoSharedBuffers)
                      "glBufferData(GL_ARRAY_BUFFER, " + std::to_string(size) + ", " + data + ", GL_STATIC_DRAW)",
                      "glBindBuffer(GL_ARRAY_BUFFER, 0)"};
     };
-    const Texts sequence = {"glBindBuffer(GL_ARRAY_BUFFER, 13)",
-                            "glMapBufferRange(GL_ARRAY_BUFFER, 0, 4194304, GL_MAP_WRITE_BIT)",
-                            "glBindBuffer(GL_ARRAY_BUFFER, 0)",
-                            "glBindBuffer(GL_ARRAY_BUFFER, 13)",
-                            "glUnmapBuffer(GL_ARRAY_BUFFER)",
-                            "glBindBuffer(GL_ARRAY_BUFFER, 0)"};
-    EXPECT_EQ(merging,
-              join({create(9, 24, "null"), copy(3, 9, 0, 0, 12), copy(6, 9, 0, 16, 8),   // positions
-                    create(10, 24, "null"), copy(4, 10, 0, 0, 16), copy(7, 10, 0, 16, 8), // normals
-                    create(11, 24, "<pointer>"),                                          // draw indices
-                    create(12, 8, "null"), create(13, 4194304, "null"), sequence,         // points
-                    copy(13, 12, 0, 0, 8),                                                //
-                    create(14, 20, "null"), copy(5, 14, 0, 0, 12), copy(8, 14, 4, 12, 8)}));
+    const Texts sequence = {
+        "glBindBuffer(GL_ARRAY_BUFFER, 13)", "glMapBufferRange(GL_ARRAY_BUFFER, 0, 4194304, GL_MAP_WRITE_BIT)",
+        "glBindBuffer(GL_ARRAY_BUFFER, 0)",  "glBindBuffer(GL_ARRAY_BUFFER, 13)",
+        "glUnmapBuffer(GL_ARRAY_BUFFER)",    "glBindBuffer(GL_ARRAY_BUFFER, 0)"};
+    EXPECT_EQ(merging, join({create(9, 24, "null"), copy(3, 9, 0, 0, 12), copy(6, 9, 0, 16, 8),    // positions
+                             create(10, 24, "null"), copy(4, 10, 0, 0, 16), copy(7, 10, 0, 16, 8), // normals
+                             create(11, 24, "<pointer>"),                                          // draw indices
+                             create(12, 8, "null"), create(13, 4194304, "null"), sequence,         // points
+                             copy(13, 12, 0, 0, 8),                                                //
+                             create(14, 20, "null"), copy(5, 14, 0, 0, 12), copy(8, 14, 4, 12, 8)}));
     EXPECT_EQ(contentOf<uint32_t>(9), (std::vector<uint32_t>{10, 11, 12, 0, 30, 31}));
     EXPECT_EQ(contentOf<uint32_t>(10), (std::vector<uint32_t>{20, 21, 22, 23, 40, 41}));
     EXPECT_EQ(contentOf<uint32_t>(11), (std::vector<uint32_t>{0, 0, 0, 0, 1, 1}));
@@ -182,31 +180,30 @@ TEST_F(RendererGL41MergeTest, TwoMembersAreCopiedIntoSharedBuffers)
 
     gl.clear();
     run<CommandRender>(draw);
-    EXPECT_EQ(
-        gl.takeCalls(),
-        (Texts{"glUniform1f(0, 1)",
-               "glUniform1i(1, 0)",
-               "glBindBuffer(GL_ARRAY_BUFFER, 9)",
-               "glEnableVertexAttribArray(0)",
-               "glVertexAttribPointer(0, 1, GL_FLOAT, GL_FALSE, 0, null)",
-               "glVertexAttribDivisor(0, 0)",
-               "glBindBuffer(GL_ARRAY_BUFFER, 10)",
-               "glEnableVertexAttribArray(1)",
-               "glVertexAttribPointer(1, 1, GL_FLOAT, GL_FALSE, 0, null)",
-               "glVertexAttribDivisor(1, 0)",
-               "glBindBuffer(GL_ARRAY_BUFFER, 11)",
-               "glEnableVertexAttribArray(2)",
-               "glVertexAttribPointer(2, 1, GL_FLOAT, GL_FALSE, 0, null)",
-               "glVertexAttribDivisor(2, 0)",
-               "glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 12)",
-               "glMultiDrawElementsBaseVertex(GL_POINTS, {2}, GL_UNSIGNED_INT, {null}, 1, {4})",
-               "glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)",
-               "glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 14)",
-               "glMultiDrawElementsBaseVertex(GL_TRIANGLES, {3, 2}, GL_UNSIGNED_INT, {null, 12}, 2, {0, 4})",
-               "glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)",
-               "glDisableVertexAttribArray(0)",
-               "glDisableVertexAttribArray(1)",
-               "glDisableVertexAttribArray(2)"}));
+    EXPECT_EQ(gl.takeCalls(),
+              (Texts{"glUniform1f(0, 1)",
+                     "glUniform1i(1, 0)",
+                     "glBindBuffer(GL_ARRAY_BUFFER, 9)",
+                     "glEnableVertexAttribArray(0)",
+                     "glVertexAttribPointer(0, 1, GL_FLOAT, GL_FALSE, 0, null)",
+                     "glVertexAttribDivisor(0, 0)",
+                     "glBindBuffer(GL_ARRAY_BUFFER, 10)",
+                     "glEnableVertexAttribArray(1)",
+                     "glVertexAttribPointer(1, 1, GL_FLOAT, GL_FALSE, 0, null)",
+                     "glVertexAttribDivisor(1, 0)",
+                     "glBindBuffer(GL_ARRAY_BUFFER, 11)",
+                     "glEnableVertexAttribArray(2)",
+                     "glVertexAttribPointer(2, 1, GL_FLOAT, GL_FALSE, 0, null)",
+                     "glVertexAttribDivisor(2, 0)",
+                     "glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 12)",
+                     "glMultiDrawElementsBaseVertex(GL_POINTS, {2}, GL_UNSIGNED_INT, {null}, 1, {4})",
+                     "glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)",
+                     "glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 14)",
+                     "glMultiDrawElementsBaseVertex(GL_TRIANGLES, {3, 2}, GL_UNSIGNED_INT, {null, 12}, 2, {0, 4})",
+                     "glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0)",
+                     "glDisableVertexAttribArray(0)",
+                     "glDisableVertexAttribArray(1)",
+                     "glDisableVertexAttribArray(2)"}));
 }
 
 TEST_F(RendererGL41MergeTest, OverallAttributesBecomeAStream)

@@ -316,8 +316,8 @@ TEST_F(RendererGL41ResourceTest, ResizeAndUpdateOfATextureForgetTheTextureBlock)
     updateState(scene);
     drawCalls(scene);
     const TextureHandle other = makeTexture();
-    const Texts unbind = {"glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 0)",
-                          "glDisable(GL_TEXTURE_2D)", "glBindSampler(0, 0)", "glActiveTexture(GL_TEXTURE0)"};
+    const Texts unbind = {"glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 0)", "glDisable(GL_TEXTURE_2D)",
+                          "glBindSampler(0, 0)", "glActiveTexture(GL_TEXTURE0)"};
     const auto startsWithUnbind = [&](Texts calls)
     {
         calls.resize(unbind.size());

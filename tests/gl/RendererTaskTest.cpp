@@ -7,7 +7,7 @@ namespace
 
 using RendererGL41TaskTest = RendererGLTest;
 
-struct CallingTask : TaskInterface
+struct CallingTask final : TaskInterface
 {
     void run() override { glFlush(); }
 };
@@ -37,8 +37,8 @@ TEST_F(RendererGL41TaskTest, ComputeDispatchesAndOrdersItsWrites)
     state->shaderParameters = {makeParameter("color", parameter)};
     ComputeProperties properties;
     properties.groups = SbVec3i32(2, 3, 4);
-    const Texts dispatch = {"glBindBufferBase(GL_SHADER_STORAGE_BUFFER, 0, 3)",
-                            "glShaderStorageBlockBinding(1, 0, 0)", "glUniform1i(2, 9)", "glDispatchCompute(2, 3, 4)",
+    const Texts dispatch = {"glBindBufferBase(GL_SHADER_STORAGE_BUFFER, 0, 3)", "glShaderStorageBlockBinding(1, 0, 0)",
+                            "glUniform1i(2, 9)", "glDispatchCompute(2, 3, 4)",
                             "glMemoryBarrier(GL_SHADER_IMAGE_ACCESS_BARRIER_BIT | GL_SHADER_STORAGE_BARRIER_BIT)"};
     const Texts program = join({{"glPatchParameteri(GL_PATCH_VERTICES, 1)", "glUseProgram(1)"}, clipPlanesOff});
     EXPECT_EQ(callsOf<CommandCompute>(state, properties),
@@ -103,16 +103,15 @@ TEST_F(RendererGL41TaskTest, RenderTaskSetsTheStateUpAndMakesItUnknown)
     GfxStateProperties scaled = gfxState;
     scaled.rasterizer.sizeScale = 5.0f;
     const Texts state = stateCalls(scaled);
-    const Texts expected =
-        join({{"glBindFramebuffer(GL_FRAMEBUFFER, 2)", "glViewport(0, 0, 3, 2)", "glDepthRange(0, 1)"},
-              state,
-              {"glPatchParameteri(GL_PATCH_VERTICES, 3)", "glUseProgram(1)",
-               "glBindBufferBase(GL_UNIFORM_BUFFER, 1, 3)", "glUniformBlockBinding(1, 2, 1)",
-               "glActiveTexture(GL_TEXTURE0)", "glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 3)",
-               "glEnable(GL_TEXTURE_2D)", "glBindSampler(0, 0)", "glActiveTexture(GL_TEXTURE0)",
-               "glPushAttrib(GL_ALL_ATTRIB_BITS)", "glFlush()", "glPopAttrib()", "glActiveTexture(GL_TEXTURE0)",
-               "glBindTexture(GL_TEXTURE_2D, 0)", "glDisable(GL_TEXTURE_2D)", "glBindSampler(0, 0)",
-               "glActiveTexture(GL_TEXTURE0)"}});
+    const Texts expected = join(
+        {{"glBindFramebuffer(GL_FRAMEBUFFER, 2)", "glViewport(0, 0, 3, 2)", "glDepthRange(0, 1)"},
+         state,
+         {"glPatchParameteri(GL_PATCH_VERTICES, 3)", "glUseProgram(1)", "glBindBufferBase(GL_UNIFORM_BUFFER, 1, 3)",
+          "glUniformBlockBinding(1, 2, 1)", "glActiveTexture(GL_TEXTURE0)", "glActiveTexture(GL_TEXTURE0)",
+          "glBindTexture(GL_TEXTURE_2D, 3)", "glEnable(GL_TEXTURE_2D)", "glBindSampler(0, 0)",
+          "glActiveTexture(GL_TEXTURE0)", "glPushAttrib(GL_ALL_ATTRIB_BITS)", "glFlush()", "glPopAttrib()",
+          "glActiveTexture(GL_TEXTURE0)", "glBindTexture(GL_TEXTURE_2D, 0)", "glDisable(GL_TEXTURE_2D)",
+          "glBindSampler(0, 0)", "glActiveTexture(GL_TEXTURE0)"}});
     Texts calls = callsOf<CommandRenderTask>(callingTask(), std::make_shared<const GfxStateProperties>(gfxState),
                                              shaderState, false);
     for (std::string& call : calls)
@@ -221,8 +220,7 @@ TEST_P(QueryTest, ReadsItsResultInItsForm)
     EXPECT_EQ(callsOf<CommandBeginQuery>(query), Texts{"glBeginQuery(" + target + ", 1)"});
     EXPECT_EQ(callsOf<CommandEndQuery>(query), Texts{"glEndQuery(" + target + ")"});
     gl.answer(GL_QUERY_RESULT, row.raw);
-    EXPECT_EQ(callsOf<CommandGetQueryResult>(query),
-              Texts{std::string(row.read) + "(1, GL_QUERY_RESULT, <pointer>)"});
+    EXPECT_EQ(callsOf<CommandGetQueryResult>(query), Texts{std::string(row.read) + "(1, GL_QUERY_RESULT, <pointer>)"});
     EXPECT_EQ(renderer->getQueryResult(query), row.result);
     EXPECT_EQ(callsOf<CommandDestroyQuery>(query), (Texts{"glIsQuery(1)", "glDeleteQueries(1, {1})"}));
     EXPECT_EQ(renderer->getQueryResult(query), 0u);
@@ -230,14 +228,13 @@ TEST_P(QueryTest, ReadsItsResultInItsForm)
 
 INSTANTIATE_TEST_SUITE_P(
     Types, QueryTest,
-    ::testing::Values(
-        QueryRow{0, "GL_SAMPLES_PASSED", "glGetQueryObjectuiv", 12, 12},
-        QueryRow{1, "GL_ANY_SAMPLES_PASSED", "glGetQueryObjectuiv", 1, 1},
-        QueryRow{2, "GL_ANY_SAMPLES_PASSED_CONSERVATIVE", "glGetQueryObjectuiv", 2, 0},
-        QueryRow{3, "GL_PRIMITIVES_GENERATED", "glGetQueryObjectuiv", 5, 5},
-        QueryRow{4, "GL_TRANSFORM_FEEDBACK_PRIMITIVES_WRITTEN", "glGetQueryObjectuiv", 6, 6},
-        QueryRow{5, "GL_TIME_ELAPSED", "glGetQueryObjectui64v", 5000000000, 5000000000},
-        QueryRow{6, "GL_TIMESTAMP", "glGetQueryObjectui64v", 7000000000, 7000000000}));
+    ::testing::Values(QueryRow{0, "GL_SAMPLES_PASSED", "glGetQueryObjectuiv", 12, 12},
+                      QueryRow{1, "GL_ANY_SAMPLES_PASSED", "glGetQueryObjectuiv", 1, 1},
+                      QueryRow{2, "GL_ANY_SAMPLES_PASSED_CONSERVATIVE", "glGetQueryObjectuiv", 2, 0},
+                      QueryRow{3, "GL_PRIMITIVES_GENERATED", "glGetQueryObjectuiv", 5, 5},
+                      QueryRow{4, "GL_TRANSFORM_FEEDBACK_PRIMITIVES_WRITTEN", "glGetQueryObjectuiv", 6, 6},
+                      QueryRow{5, "GL_TIME_ELAPSED", "glGetQueryObjectui64v", 5000000000, 5000000000},
+                      QueryRow{6, "GL_TIMESTAMP", "glGetQueryObjectui64v", 7000000000, 7000000000}));
 
 TEST_F(RendererGL41TaskTest, QueryOfAnUnknownTypeYieldsZero)
 {

@@ -4,6 +4,7 @@ renderengine_add_test(gl_renderer_tests
   SOURCES
     RendererClearTest.cpp
     RendererDrawTest.cpp
+    RendererFaultTest.cpp
     RendererFrameTest.cpp
     RendererGL46Test.cpp
     RendererMergeTest.cpp
@@ -14,5 +15,8 @@ renderengine_add_test(gl_renderer_tests
 # The same renderers on a real context: pictures and read-back data.
 renderengine_add_test(gl_renderer_device_tests
   SOURCES
-    RendererDeviceTest.cpp
+    RendererDrawDeviceTest.cpp
+    RendererMergeDeviceTest.cpp
+    RendererPresentDeviceTest.cpp
+    RendererTaskDeviceTest.cpp
   LIBRARIES renderengine_test_support)

@@ -5,6 +5,8 @@
 #include "gl/ShaderProgramGL.h"
 
 #include <array>
+#include <utility>
+#include <vector>
 
 namespace renderengine
 {
@@ -152,13 +154,18 @@ TEST_F(ShaderGL41DeviceTest, ReflectsUniformBlocksWithoutInterfaceQueries)
 
 TEST_F(ShaderGLDeviceTest, EveryStageCompiles)
 {
-    compile(Vertex, "#version 410\nvoid main() { gl_Position = vec4(0.0); }");
-    compile(Geometry, "#version 410\nlayout(points) in; layout(points, max_vertices = 1) out;\n"
-                      "void main() { gl_Position = vec4(0.0); EmitVertex(); }");
-    compile(Fragment, s_fragment);
-    compile(TessControl, "#version 410\nlayout(vertices = 3) out;\nvoid main() { gl_TessLevelOuter[0] = 1.0; }");
-    compile(TessEvaluation, "#version 410\nlayout(triangles) in;\nvoid main() { gl_Position = vec4(0.0); }");
-    compile(Compute, "#version 430\nlayout(local_size_x = 1) in;\nvoid main() {}");
+    const std::vector<std::pair<uint32_t, const char*>> stages{
+        {Vertex, "#version 410\nvoid main() { gl_Position = vec4(0.0); }"},
+        {Geometry, "#version 410\nlayout(points) in; layout(points, max_vertices = 1) out;\n"
+                   "void main() { gl_Position = vec4(0.0); EmitVertex(); }"},
+        {Fragment, s_fragment},
+        {TessControl, "#version 410\nlayout(vertices = 3) out;\nvoid main() { gl_TessLevelOuter[0] = 1.0; }"},
+        {TessEvaluation, "#version 410\nlayout(triangles) in;\nvoid main() { gl_Position = vec4(0.0); }"},
+        {Compute, "#version 430\nlayout(local_size_x = 1) in;\nvoid main() {}"}};
+    for (const auto& [stage, source] : stages)
+    {
+        glDeleteShader(compile(stage, source));
+    }
 }
 
 TEST_F(ShaderGLDeviceTest, AFailedCompileKeepsItsNameAndTellsWhy)

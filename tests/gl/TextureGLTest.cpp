@@ -245,6 +245,31 @@ TEST_F(TextureGLTest, ReadbackOfACubeMapReadsEachFace)
                      "glGetTexImage(GL_TEXTURE_CUBE_MAP_NEGATIVE_Z, 0, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)"}));
 }
 
+TEST_F(TextureGLTest, TheReadbackBlockHoldsTheStorageThatARefusedUpdateLeft)
+{
+    TextureProperties properties = textureOf(Plane, 8, 8);
+    properties.immutable = 1;
+    TextureGL texture(properties);
+    properties.width = 2;
+    properties.height = 2;
+    texture.update(properties);
+    texture.readback();
+    EXPECT_EQ(texture.getDataSize(), 16u);
+    EXPECT_EQ(texture.getReadbackSize(), 256u);
+    texture.destroy();
+}
+
+TEST_F(TextureGLTest, ReadbackOfASizeThatNoMemoryHoldsIsSkipped)
+{
+    TextureGL texture(textureOf(Volume, 0x80000000u, 0x80000000u, 0x80000000u));
+    gl.clear();
+    texture.readback();
+    EXPECT_EQ(texture.getReadbackData(), nullptr);
+    EXPECT_EQ(gl.takeCalls(), Texts{});
+    EXPECT_EQ(log.take(),
+              (Texts{"error: [TextureGL] There is no memory for 18446744073709551615 bytes of read-back data."}));
+}
+
 TEST_F(TextureGLTest, TheReadbackBlockLivesUntilUpdateResizeOrDestroy)
 {
     TextureGL texture(textureOf(Plane, 4, 2));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/ostream_sink.h>
 #include <spdlog/spdlog.h>
 
@@ -17,7 +18,9 @@ public:
     LogCapture() : m_former(spdlog::default_logger())
     {
         auto logger = std::make_shared<spdlog::logger>("", std::make_shared<spdlog::sinks::ostream_sink_mt>(m_stream));
-        logger->set_pattern("%v");
+        // The same end of line on every system.
+        logger->set_formatter(
+            std::make_unique<spdlog::pattern_formatter>("%v", spdlog::pattern_time_type::local, "\n"));
         logger->set_level(spdlog::level::trace);
         spdlog::set_default_logger(logger);
     }

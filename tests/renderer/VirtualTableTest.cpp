@@ -1,6 +1,9 @@
+#include "context/ContextBase.h"
 #include "renderer/RendererBase.h"
 
 #include <renderengine/ContextInterface.h>
+#include <renderengine/RenderCache.h>
+#include <renderengine/TaskInterface.h>
 
 #include <gtest/gtest.h>
 
@@ -209,6 +212,40 @@ TEST(ContextInterfaceTableTest, VirtualOperationsStandInTheirOrder)
     {
         EXPECT_EQ(expected[i], i + DESTRUCTOR_SLOTS);
     }
+    EXPECT_EQ(slotOf(&ContextBase::makeCurrent), expected.size() + DESTRUCTOR_SLOTS);
+    EXPECT_EQ(slotOf(&ContextBase::doneCurrent), expected.size() + DESTRUCTOR_SLOTS + 1);
+}
+
+template <class Properties> size_t cacheUpdate()
+{
+    return slotOf(static_cast<void (RenderCache::*)(const ShaderParameterHandle&, const Properties&)>(
+        &RenderCache::updateShaderParameter));
+}
+
+TEST(RenderCacheTableTest, UpdatesOfParametersStandAheadOfThatOfADraw)
+{
+    const std::vector<size_t> expected = {
+#define RENDERENGINE_SLOT(PROPERTIES) cacheUpdate<PROPERTIES>(),
+        RENDERENGINE_SHADER_PARAMETERS(RENDERENGINE_SLOT)
+#undef RENDERENGINE_SLOT
+            slotOf(&RenderCache::updateDraw),
+    };
+    ASSERT_EQ(expected.size(), 20u);
+    for (size_t i = 0; i < expected.size(); ++i)
+    {
+        EXPECT_EQ(expected[i], i + DESTRUCTOR_SLOTS);
+    }
+}
+
+TEST(CommandBaseTableTest, TheDestructorStandsBetweenExecuteAndName)
+{
+    EXPECT_EQ(slotOf(&CommandBase::execute), 0u);
+    EXPECT_EQ(slotOf(&CommandBase::name), 1 + DESTRUCTOR_SLOTS);
+}
+
+TEST(TaskInterfaceTableTest, RunIsTheOnlyVirtualOperation)
+{
+    EXPECT_EQ(slotOf(&TaskInterface::run), 0u);
 }
 
 } // namespace

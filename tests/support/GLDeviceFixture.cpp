@@ -1,6 +1,7 @@
 #include "support/GLDeviceFixture.h"
 
 #include "platform/PlatformLayer.h"
+#include "support/LiveObjects.h"
 
 #include <glbinding/gl.h>
 #include <kavelor/SoPreferences.h>
@@ -83,6 +84,7 @@ GLDevice::GLDevice(GLProfile profile, GLVersion version)
         table.majorVersion = 4;
         table.minorVersion = 1;
     }
+    LiveObjects::watch(table);
     m_scope = std::make_unique<glbinding::ScopedTable>(m_functions.getGLEWContext());
     glEnable(GL_DEBUG_OUTPUT);
     glEnable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
@@ -182,6 +184,7 @@ GLDeviceTest::GLDeviceTest(GLProfile profile, GLVersion version) : device(profil
 void GLDeviceTest::TearDown()
 {
     EXPECT_EQ(device.takeErrors(), std::vector<std::string>{}) << "GL errors that the case did not expect";
+    EXPECT_EQ(LiveObjects::list(), std::vector<std::string>{}) << "GL objects that the case left behind";
 }
 
 } // namespace renderengine::testing

@@ -31,7 +31,8 @@ enum class GLVersion
 
 /// A debug context on a hidden window, current on the thread that made the object, with its functions as the thread's
 /// table. Synchronous debug output collects what the driver reports as an error. Throws std::runtime_error when the
-/// system gives no such context. A core profile also sets `KVR_RENDERENGINE_USE_GLCORE`.
+/// system gives no such context. A core profile also sets `KVR_RENDERENGINE_USE_GLCORE`. LiveObjects watches the
+/// table.
 class GLDevice
 {
 public:
@@ -61,7 +62,7 @@ private:
     std::vector<std::string> m_errors;
 };
 
-/// A case on a real context. It fails when an error was reported that it has not taken.
+/// A case on a real context. It fails when an error was reported that it has not taken, and when it leaves GL objects.
 class GLDeviceTest : public ::testing::Test
 {
 protected:

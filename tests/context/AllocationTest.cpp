@@ -1,0 +1,119 @@
+// What recording and replaying cost in memory, counted by the program's own operators `new` and `delete`.
+
+#include "context/ContextBase.h"
+#include "context/ContextFactory.h"
+#include "renderer/RendererNull.h"
+#include "support/AllocationCounter.h"
+
+#include <renderengine/ContextInfo.h>
+#include <renderengine/RenderCache.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace renderengine
+{
+namespace
+{
+
+using testing::getAllocationCounts;
+
+/// A context without a device on the calling thread. It keeps no trace, which would allocate.
+class QuietContext : public ContextBase
+{
+public:
+    QuietContext() : ContextBase(ContextShare, 1) { m_renderer = new RendererNull(false); }
+
+    bool isValid() override { return true; }
+    void init() override {}
+    const ContextInfo& getContextInfo() override { return m_info; }
+    bool makeCurrent() override { return true; }
+    void doneCurrent() override {}
+
+private:
+    ContextInfo m_info;
+};
+
+std::shared_ptr<RenderCache> cacheOfDraws(uint32_t count)
+{
+    auto cache = std::make_shared<RenderCache>();
+    for (uint32_t i = 0; i < count; ++i)
+    {
+        cache->draw(DrawHandle(i));
+    }
+    return cache;
+}
+
+/// A cache that holds all memory that the process keeps for commands, so that others have to ask the allocator for
+/// theirs.
+std::shared_ptr<RenderCache> holdKeptMemory()
+{
+    return cacheOfDraws(300000);
+}
+
+uint64_t allocationsOfAFrame(QuietContext& context, const std::shared_ptr<RenderCache>& cache)
+{
+    const uint64_t before = getAllocationCounts().allocations;
+    context.submit(cache);
+    context.execute(true);
+    return getAllocationCounts().allocations - before;
+}
+
+TEST(AllocationTest, TheOperatorsAreCounted)
+{
+    const testing::AllocationCounts before = getAllocationCounts();
+    auto bytes = std::make_unique<std::vector<char>>(1000);
+    const testing::AllocationCounts during = getAllocationCounts();
+    EXPECT_EQ(during.allocations - before.allocations, 2u);
+    EXPECT_GE(during.liveBytes - before.liveBytes, 1000u);
+    bytes.reset();
+    EXPECT_EQ(getAllocationCounts().liveBytes, before.liveBytes);
+}
+
+TEST(AllocationTest, AFrameThatReplaysAKeptCacheAllocatesAsOftenWhateverTheCachesSize)
+{
+    QuietContext context;
+    allocationsOfAFrame(context, cacheOfDraws(1)); // what the first frame makes once
+    const uint64_t small = allocationsOfAFrame(context, cacheOfDraws(10));
+    EXPECT_GT(small, 0u);
+    for (const uint32_t count : {100u, 1000u, 10000u, 100000u})
+    {
+        const std::shared_ptr<RenderCache> cache = cacheOfDraws(count);
+        EXPECT_EQ(allocationsOfAFrame(context, cache), small) << count;
+        EXPECT_EQ(allocationsOfAFrame(context, cache), small) << count;
+    }
+}
+
+TEST(AllocationTest, ARecordedDrawTakesAtMost64Bytes)
+{
+    for (uint32_t count = 1000; count <= 200000; count += count / 3)
+    {
+        const std::shared_ptr<RenderCache> holder = holdKeptMemory();
+        const uint64_t before = getAllocationCounts().liveBytes;
+        const std::shared_ptr<RenderCache> cache = cacheOfDraws(count);
+        const uint64_t bytes = getAllocationCounts().liveBytes - before;
+        EXPECT_LE(static_cast<double>(bytes) / count, 64.0) << count;
+    }
+}
+
+TEST(AllocationTest, RefillingACacheAllocatesNothingOnceItsMemoryIsThere)
+{
+    // Small enough for one chunk of commands, whose memory a cache that was emptied keeps.
+    const std::shared_ptr<RenderCache> cache = cacheOfDraws(16);
+    const uint64_t before = getAllocationCounts().allocations;
+    for (int i = 0; i < 100; ++i)
+    {
+        cache->reset();
+        for (uint32_t id = 0; id < 16; ++id)
+        {
+            cache->draw(DrawHandle(id));
+        }
+    }
+    EXPECT_EQ(getAllocationCounts().allocations, before);
+}
+
+} // namespace
+} // namespace renderengine
