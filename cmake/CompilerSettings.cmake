@@ -21,6 +21,15 @@ elseif(NOT WIN32)
   target_link_options(renderengine_settings INTERFACE -Wl,-z,defs)
 endif()
 
+if(RENDERENGINE_SANITIZE MATCHES address AND CMAKE_CXX_COMPILER_ID MATCHES Clang)
+  # The name by which g++ tells the sources that the sanitizer is there.
+  target_compile_definitions(renderengine_settings INTERFACE __SANITIZE_ADDRESS__=1)
+endif()
+
+if(RENDERENGINE_FUZZ)
+  target_compile_options(renderengine_settings INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 function(renderengine_target_settings target)
   target_link_libraries(${target} PRIVATE renderengine_settings)
   get_target_property(type ${target} TYPE)

@@ -32,6 +32,15 @@ else()
   find_package(spdlog REQUIRED)
 endif()
 
+if(CMAKE_CROSSCOMPILING AND WIN32)
+  # The compiler's run-time libraries lie beside what is built, so that the folder can be taken to a Windows machine.
+  foreach(library libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
+                    OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    file(COPY ${file} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  endforeach()
+endif()
+
 if(NOT WIN32)
   find_package(OpenGL REQUIRED COMPONENTS EGL)
   find_package(X11 REQUIRED)

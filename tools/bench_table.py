@@ -8,7 +8,11 @@ the least that the same work can cost, measured in the same run; arguments may f
 is the median of the engine's repetitions over the median of the floor's, so that 1 means as fast as the floor. The gate
 file says how large a ratio may be: {"BM_Name": {"max_ratio": 1.5}}; "BM_Name/1000" names one argument only.
 
-Exits 1 when a ratio is above its gate, half of a pair is missing, or a gate's benchmark did not run.
+Two more gates: {"max_growth": 1.5} bounds the engine's time at the largest argument over that at the smallest.
+{"counter": "bytes", "max": 64} bounds a counter of the benchmark, which is then no pair, at every argument; with
+"constant": true the counter must be the same at all of them.
+
+Exits 1 when a value is above its gate, half of a pair is missing, or a gate's benchmark did not run.
 """
 
 import argparse
@@ -27,6 +31,7 @@ def parse_name(name):
     if side is None:
         return None
     kept = [word for word in words if word != side and word != "real_time" and ":" not in word]
+    kept = [word for word in kept if word != "manual_time"]
     return "/".join(kept), side, "real_time" in words
 
 
@@ -48,6 +53,56 @@ def read_medians(paths):
     return {pair: {side: statistics.median(times) for side, times in sides.items()} for pair, sides in samples.items()}
 
 
+def read_counters(paths, gates):
+    """{benchmark: [value of the counter that its gate names]} in the order of the arguments."""
+    counters = {}
+    for path in paths:
+        with open(path, encoding="utf-8") as file:
+            results = json.load(file)["benchmarks"]
+        for result in results:
+            name = result["name"].split("/")
+            counter = gates.get(name[0], {}).get("counter")
+            if counter in result and result.get("run_type") != "aggregate":
+                counters.setdefault(f"{name[0]}/{name[1]}", []).append(result[counter])
+    return {name: statistics.median(values) for name, values in counters.items()}
+
+
+def argument_of(pair):
+    return int(pair.split("/")[1])
+
+
+def growth_rows(medians, gates):
+    """The rows and failures of the gates on growth."""
+    rows, failures = [], []
+    for name, gate in sorted(gates.items()):
+        if "max_growth" not in gate:
+            continue
+        pairs = sorted((pair for pair in medians if pair.split("/")[0] == name), key=argument_of)
+        if len(pairs) < 2:
+            continue
+        growth = medians[pairs[-1]].get("engine", 0) / medians[pairs[0]].get("engine", 1)
+        passed = growth <= gate["max_growth"]
+        if not passed:
+            failures.append(f"{name} grows by {growth:.2f}, at most {gate['max_growth']} is allowed")
+        span = f"{name} from {argument_of(pairs[0])} to {argument_of(pairs[-1])}"
+        rows.append((span, "", "", f"{growth:.2f}", str(gate["max_growth"]), "ok" if passed else "TOO STEEP"))
+    return rows, failures
+
+
+def counter_rows(counters, gates):
+    """The rows and failures of the gates on counters."""
+    rows, failures = [], []
+    for pair, value in counters.items():
+        gate = gates[pair.split("/")[0]]
+        others = [other for name, other in counters.items() if name.split("/")[0] == pair.split("/")[0]]
+        passed = value <= gate.get("max", value) and not (gate.get("constant") and len(set(others)) > 1)
+        if not passed:
+            failures.append(f"{pair} has {value:.4g} {gate['counter']}")
+        limit = str(gate.get("max", "")) or "constant"
+        rows.append((pair, f"{value:.4g} {gate['counter']}", "", "", limit, "ok" if passed else "TOO MUCH"))
+    return rows, failures
+
+
 def gate_of(gates, pair):
     return gates.get(pair, gates.get(pair.split("/")[0], {})).get("max_ratio")
 
@@ -59,7 +114,7 @@ def readable(nanoseconds):
     return f"{nanoseconds:.2f} ns"
 
 
-def table(medians, gates):
+def table(medians, counters, gates):
     """The rows to print and the failures found."""
     rows = [("benchmark", "engine", "floor", "ratio", "gate", "")]
     failures = []
@@ -76,7 +131,10 @@ def table(medians, gates):
         verdict = "" if gate is None else "ok" if passed else "TOO SLOW"
         rows.append((pair, readable(sides["engine"]), readable(sides["floor"]), f"{ratio:.2f}",
                      "" if gate is None else str(gate), verdict))
-    ran = {name for pair in medians for name in (pair, pair.split("/")[0])}
+    ran = {name for pair in [*medians, *counters] for name in (pair, pair.split("/")[0])}
+    for more_rows, more_failures in (growth_rows(medians, gates), counter_rows(counters, gates)):
+        rows += more_rows
+        failures += more_failures
     failures += [f"{name} has a gate and did not run" for name in sorted(gates) if name not in ran]
     return rows, failures
 
@@ -90,7 +148,7 @@ def main():
     if arguments.gates:
         with open(arguments.gates, encoding="utf-8") as file:
             gates = json.load(file)
-    rows, failures = table(read_medians(arguments.results), gates)
+    rows, failures = table(read_medians(arguments.results), read_counters(arguments.results, gates), gates)
     widths = [max(len(row[column]) for row in rows) for column in range(len(rows[0]))]
     for row in rows:
         cells = [cell.ljust(width) if i == 0 else cell.rjust(width) for i, (cell, width) in enumerate(zip(row, widths))]

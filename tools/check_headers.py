@@ -44,7 +44,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("headers", nargs="*", type=pathlib.Path, metavar="HEADER")
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     headers = [path.resolve() for path in arguments.headers]
     headers = headers or sorted(path for folder in EXPORTED for path in (ROOT / folder).rglob("*.h"))
     jobs = [(header, compiler, standard) for header in headers for compiler in COMPILERS for standard in STANDARDS]

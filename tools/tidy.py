@@ -69,7 +69,7 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--verbose", action="store_true", help="print the time that each source takes")
     parser.add_argument("sources", nargs="*", type=pathlib.Path, metavar="SOURCE")
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     build = arguments.build.resolve()
     stamps = build / "tidy"
     stamps.mkdir(exist_ok=True)

@@ -3,74 +3,31 @@
 
 #include <benchmark/benchmark.h>
 
-#include <condition_variable>
 #include <cstdint>
 #include <ctime>
 #include <memory>
-#include <mutex>
-#include <thread>
-#include <vector>
 
 #include <renderengine/RenderCache.h>
 
 #include "commands/CommandBuffer.h"
 #include "commands/CommandList.h"
-#include "commands/Floor.h"
 #include "renderer/RendererNull.h"
+#include "support/Floor.h"
+#include "support/ParkedThread.h"
 
 namespace
 {
 
 using namespace renderengine;
-using namespace commandsbench;
+using namespace bench;
 
 constexpr int CommandCount = 20000;
 
 static_assert(sizeof(FloorDraw) == sizeof(CommandRender), "the floor appends commands of the same size");
 
-/// A second thread that sleeps. With one alive the standard library's shared pointers count with atomic operations, as
-/// they do beside a render thread.
-class ParkedThread
-{
-public:
-    ParkedThread() : m_thread([this] { wait(); }) {}
-
-    ~ParkedThread()
-    {
-        {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            m_stop = true;
-        }
-        m_condition.notify_one();
-        m_thread.join();
-    }
-
-private:
-    void wait()
-    {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_condition.wait(lock, [this] { return m_stop; });
-    }
-
-    std::mutex m_mutex;
-    std::condition_variable m_condition;
-    bool m_stop = false;
-    std::thread m_thread;
-};
-
-using FloorList = std::vector<std::shared_ptr<FloorCommand>>;
-
-void appendFloorDraw(FloorList& list, uint32_t id)
-{
-    auto draw = std::make_shared<FloorDraw>();
-    draw->id = id;
-    list.push_back(std::move(draw));
-}
-
 /// Times `work` on a new list in each iteration, as time of the processor, since the machine may be shared; making and
 /// dropping the list is not timed.
-template <class List, class Work>
-void timeOnNewLists(benchmark::State& state, const Work& work)
+template <class List, class Work> void timeOnNewLists(benchmark::State& state, const Work& work)
 {
     const ParkedThread parked;
     for (auto _ : state)
@@ -169,10 +126,7 @@ void dispatchFloor(benchmark::State& state)
     }
     for (auto _ : state)
     {
-        for (const std::shared_ptr<FloorCommand>& command : list)
-        {
-            command->execute(renderer);
-        }
+        executeFloor(list, renderer);
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * CommandCount);

@@ -1,5 +1,6 @@
 // The cost of handing an empty frame to the render thread and waiting for it, beside its floor: two threads that wake
-// each other through bare condition variables.
+// each other through bare condition variables. All threads share one processor, so that neither side can gain by polling
+// and the time to wake another processor does not count.
 
 #include "context/ContextBase.h"
 #include "context/ContextFactory.h"
@@ -9,7 +10,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include <sched.h>
+
 #include <condition_variable>
+#include <cstdio>
 #include <mutex>
 #include <thread>
 
@@ -109,6 +113,25 @@ void executeFloor(benchmark::State& state)
 BENCHMARK(executeEngine)->Name("BM_ExecuteEmptyFrame/engine")->UseRealTime();
 BENCHMARK(executeFloor)->Name("BM_ExecuteEmptyFrame/floor")->UseRealTime();
 
+/// Keeps this thread, and those it makes, on the processor where it is now.
+bool stayOnOneProcessor()
+{
+    cpu_set_t processors;
+    CPU_ZERO(&processors);
+    CPU_SET(static_cast<unsigned>(sched_getcpu()), &processors);
+    return sched_setaffinity(0, sizeof(processors), &processors) == 0;
+}
+
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int count, char** arguments)
+{
+    if (!stayOnOneProcessor())
+    {
+        std::fprintf(stderr, "renderer_bench: the threads cannot be kept on one processor\n");
+        return 1;
+    }
+    benchmark::Initialize(&count, arguments);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

@@ -1,12 +1,16 @@
 #include "Info.h"
 
+#include <glbinding/client.h>
 #include <kavelor/SoPreferences.h>
-#include <renderengine/ContextInfo.h>
+#include <renderengine/renderengine.h>
 
+#include <algorithm>
 #include <iomanip>
 #include <ios>
+#include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace viewer
 {
@@ -86,10 +90,76 @@ void printSettings(std::ostream& out)
             << std::setw(12) << textOr(key.defaultValue, "(empty)") << sourceName(key.source) << '\n';
 }
 
+// What the engine looks at, and what decides which drivers can be told apart.
+constexpr const char* c_extensions[] = {"GL_ARB_buffer_storage",
+                                        "GL_ARB_multi_draw_indirect",
+                                        "GL_ARB_parallel_shader_compile",
+                                        "GL_ARB_shader_draw_parameters",
+                                        "GL_ARB_texture_compression_rgtc",
+                                        "GL_ARB_texture_filter_anisotropic",
+                                        "GL_EXT_texture_compression_latc",
+                                        "GL_EXT_texture_compression_s3tc",
+                                        "GL_EXT_texture_filter_anisotropic",
+                                        "GL_KHR_debug",
+                                        "GL_KHR_parallel_shader_compile",
+                                        "GL_NVX_gpu_memory_info",
+                                        "GL_NV_shader_atomic_int64"};
+
+/// Asks the device, with the engine's context current.
+struct DeviceQuestions final : renderengine::TaskInterface
+{
+    void run() override
+    {
+        version = text(glGetString(GL_VERSION));
+        vendor = text(glGetString(GL_VENDOR));
+        GLint count = 0;
+        glGetIntegerv(GL_NUM_EXTENSIONS, &count);
+        for (GLint i = 0; i < count; ++i)
+            extensions.push_back(text(glGetStringi(GL_EXTENSIONS, static_cast<GLuint>(i))));
+    }
+
+    static std::string text(const GLubyte* bytes) { return bytes ? reinterpret_cast<const char*>(bytes) : "(none)"; }
+
+    std::string version;
+    std::string vendor;
+    std::vector<std::string> extensions;
+};
+
+void printDeviceTexts(std::ostream& out, const DeviceQuestions& device)
+{
+    if (device.version.empty())
+    {
+        out << "\nDriver\n  not asked: this renderer runs nothing on the device\n";
+        return;
+    }
+    out << "\nDriver\n";
+    out << "  vendor:  " << device.vendor << "\n  version: " << device.version << '\n';
+    out << "\nExtensions of interest\n";
+    for (const char* name : c_extensions)
+    {
+        const bool isThere =
+            std::find(device.extensions.begin(), device.extensions.end(), name) != device.extensions.end();
+        out << "  " << std::left << std::setw(38) << name << (isThere ? "yes" : "no") << '\n';
+    }
+    out << "  of " << device.extensions.size() << " in all\n";
+}
+
 } // namespace
 
-void printInfo(std::ostream& out, const renderengine::ContextInfo& info)
+void printInfo(std::ostream& out, renderengine::ContextInterface& context, const std::vector<std::string>& platform)
 {
+    const renderengine::ContextInfo& info = context.getContextInfo();
+    const auto device = std::make_shared<DeviceQuestions>();
+    renderengine::TaskProperties task;
+    task.task = device;
+    context.addTask(task);
+    context.execute(true);
+
+    out << "Platform\n";
+    for (const std::string& line : platform)
+        out << "  " << line << '\n';
+    out << '\n';
+
     const auto row = [&out](const char* label, const std::string& value)
     { out << "  " << std::left << std::setw(34) << label << value << '\n'; };
     const auto number = [](int32_t value) { return std::to_string(value); };
@@ -101,6 +171,8 @@ void printInfo(std::ostream& out, const renderengine::ContextInfo& info)
     row("OpenGL version", number(info.version / 100) + "." + number(info.version / 10 % 10));
     row("profile", profileName(info.profile));
     row("shading language", number(info.shadingLanguageVersion));
+
+    printDeviceTexts(out, *device);
 
     out << "\nFeatures\n";
     row("double precision", flag(info.hasDoublePrecision));

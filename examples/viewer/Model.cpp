@@ -1,6 +1,7 @@
 #include "Model.h"
 
 #include "Images.h"
+#include "ModelTools.h"
 
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
@@ -215,29 +216,6 @@ Mesh readMesh(const aiMesh& source)
     return mesh;
 }
 
-SbVec3f faceNormal(const Mesh& mesh, std::size_t triangle)
-{
-    const SbVec3f& a = mesh.positions[mesh.indices[triangle]];
-    const SbVec3f ab = mesh.positions[mesh.indices[triangle + 1]] - a;
-    const SbVec3f ac = mesh.positions[mesh.indices[triangle + 2]] - a;
-    SbVec3f normal = ab.cross(ac);
-    normal.normalize();
-    return normal;
-}
-
-// Some exporters write placeholders for normals: null, or the same for all faces. A mesh whose normals lie in the plane
-// of its triangles as often as not has no normals of its own.
-bool hasUsableNormals(const Mesh& mesh)
-{
-    std::size_t unusable = 0;
-    for (std::size_t triangle = 0; triangle + 2 < mesh.indices.size(); triangle += 3)
-    {
-        const SbVec3f& normal = mesh.normals[mesh.indices[triangle]];
-        unusable += std::abs(normal.dot(faceNormal(mesh, triangle))) < 0.1f ? 1 : 0;
-    }
-    return 2 * unusable <= mesh.indices.size() / 3;
-}
-
 class InstanceCollector
 {
 public:
@@ -259,29 +237,12 @@ private:
     {
         if (meshIndex == SIZE_MAX)
             return;
-        for (const uint32_t index : m_model.meshes[meshIndex].indices)
-        {
-            m_model.bounds.extend(world.multVecMatrix(m_model.meshes[meshIndex].positions[index]));
-        }
-        m_model.instances.push_back({meshIndex, world});
+        addInstance(m_model, meshIndex, world);
     }
 
     Model& m_model;
     const std::vector<std::size_t>& m_meshIndex;
 };
-
-void checkFile(const std::string& path)
-{
-    std::error_code error;
-    if (!fs::exists(path, error))
-        throw ModelError("there is no file '" + path + "'");
-    if (fs::is_directory(path, error))
-        throw ModelError("'" + path + "' is a folder, not a model");
-    if (!std::ifstream(path, std::ios::binary))
-        throw ModelError("'" + path + "' cannot be opened for reading");
-    if (fs::is_regular_file(path, error) && fs::file_size(path, error) == 0)
-        throw ModelError("'" + path + "' is empty");
-}
 
 std::string asClause(std::string message)
 {
@@ -329,33 +290,6 @@ Model readModel(const std::string& path, unsigned extraSteps)
 }
 
 } // namespace
-
-void Bounds::extend(const SbVec3f& point)
-{
-    for (int axis = 0; axis < 3; ++axis)
-    {
-        min[axis] = std::min(min[axis], point[axis]);
-        max[axis] = std::max(max[axis], point[axis]);
-    }
-}
-
-SbVec3f Bounds::center() const
-{
-    return SbVec3f(0.5f * (min[0] + max[0]), 0.5f * (min[1] + max[1]), 0.5f * (min[2] + max[2]));
-}
-
-float Bounds::diagonal() const
-{
-    return std::hypot(max[0] - min[0], max[1] - min[1], max[2] - min[2]);
-}
-
-std::size_t Model::triangleCount() const
-{
-    std::size_t count = 0;
-    for (const Instance& instance : instances)
-        count += meshes[instance.mesh].indices.size() / 3;
-    return count;
-}
 
 Model loadModel(const std::string& path)
 {

@@ -4,6 +4,7 @@
 #include "Info.h"
 #include "Model.h"
 #include "Options.h"
+#include "PlatformLog.h"
 #include "SceneRenderer.h"
 
 #include <kavelor/SoPreferences.h>
@@ -81,6 +82,9 @@ void run(const Options& options)
         model = viewer::loadModel(options.model);
 
     applySettings(options);
+    std::optional<viewer::PlatformLog> platform;
+    if (options.info)
+        platform.emplace();
     renderengine::init();
     const std::unique_ptr<renderengine::ContextInterface> context(renderengine::ContextInterface::createInstance());
     context->init();
@@ -90,7 +94,11 @@ void run(const Options& options)
         drawModel(*context, *model, options);
     }
     if (options.info)
-        viewer::printInfo(std::cout, context->getContextInfo());
+    {
+        const std::vector<std::string> lines = platform->lines();
+        platform.reset();
+        viewer::printInfo(std::cout, *context, lines);
+    }
 }
 
 } // namespace

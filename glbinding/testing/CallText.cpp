@@ -77,6 +77,10 @@ std::string address(const void* pointer)
 
 std::string parameterReal(double value, std::int64_t parameterName)
 {
+    if (!(value >= 0.0 && value <= 4294967295.0))
+    {
+        return shortest(static_cast<float>(value), 9); // no enumerant, and perhaps no integer
+    }
     const auto whole = static_cast<std::int64_t>(value);
     std::string name = parameterValueName(whole, parameterName);
     const bool isName = static_cast<double>(whole) == value && name.compare(0, 3, "GL_") == 0;

@@ -65,6 +65,36 @@ class BenchTable(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertNotIn("99", run.stdout)
 
+    def test_growth_is_of_the_engine_from_the_smallest_to_the_largest_argument(self):
+        results = [result(f"BM_A/{side}/{argument}", time)
+                   for argument, time in ((10, 2), (1000, 4), (100, 9)) for side in ("engine", "floor")]
+        run = self.run_table(results, {"BM_A": {"max_growth": 2.5}})
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertRegex(run.stdout, r"BM_A from 10 to 1000 +2\.00 +2\.5 +ok")
+        run = self.run_table(results, {"BM_A": {"max_growth": 1.5}})
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("BM_A grows by 2.00, at most 1.5 is allowed", run.stderr)
+
+    def test_counter_has_a_limit_at_every_argument(self):
+        results = [result("BM_A/10", 1, bytes=60), result("BM_A/20", 1, bytes=70)]
+        run = self.run_table(results, {"BM_A": {"counter": "bytes", "max": 64}})
+        self.assertEqual(run.returncode, 1)
+        self.assertRegex(run.stdout, r"BM_A/10 +60 bytes +64 +ok")
+        self.assertIn("BM_A/20 has 70 bytes", run.stderr)
+
+    def test_constant_counter_may_not_differ(self):
+        gates = {"BM_A": {"counter": "calls", "constant": True}}
+        same = [result("BM_A/10", 1, calls=5), result("BM_A/20", 1, calls=5)]
+        self.assertEqual(self.run_table(same, gates).returncode, 0)
+        other = [result("BM_A/10", 1, calls=5), result("BM_A/20", 1, calls=6)]
+        self.assertEqual(self.run_table(other, gates).returncode, 1)
+
+    def test_manual_time_is_no_argument(self):
+        run = self.run_table([result(f"BM_A/{side}/manual_time", 3) for side in ("engine", "floor")],
+                             {"BM_A": {"max_ratio": 1}})
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertRegex(run.stdout, r"BM_A +3\.00 ns")
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -48,7 +48,7 @@ expect_call() { grep -q -- "$1" "$work/calls" || fail "no such call: $1"; }
 expect_no_call() { ! [ -s "$work/calls" ] || fail "there should be no call"; }
 
 run 0 "help" help
-for verb in setup build demo test bench check asan tsan help; do
+for verb in setup build demo test bench windows check asan tsan fuzz help; do
     expect_output "^  $verb  "
 done
 
@@ -61,9 +61,12 @@ expect_output "unknown verb 'frobnicate'"
 run 2 "an argument too many" test fast
 expect_output "takes no arguments"
 
+run 2 "a number that is none" fuzz long
+expect_output "takes one number above 0"
+
 # shellcheck source=tools/dev/packages.sh
 source "$root/tools/dev/packages.sh"
-all="${BUILD_PACKAGES[*]} ${CHECK_PACKAGES[*]}"
+all="${BUILD_PACKAGES[*]} ${CHECK_PACKAGES[*]} ${WINDOWS_PACKAGES[*]}"
 
 export FAKE_INSTALLED=$all
 run 0 "nothing missing" setup

@@ -152,6 +152,8 @@ TEST(ViewerDeviceTest, InfoNamesDeviceLimitsAndSettings)
     const ViewerRun run = runViewer(folder, {"--info"});
     ASSERT_EQ(run.exitCode, 0) << run.error;
     EXPECT_THAT(run.out, HasSubstr("llvmpipe"));
+    EXPECT_THAT(run.out, HasSubstr("EGL on "));
+    EXPECT_THAT(run.out, HasSubstr("GL_KHR_debug"));
     EXPECT_THAT(run.out, HasSubstr("texture size"));
     EXPECT_THAT(run.out, HasSubstr("KVR_RENDERENGINE_RENDERER"));
     EXPECT_THAT(run.out, HasSubstr("KVR_RENDERENGINE_LOG_LEVEL"));

@@ -8,16 +8,28 @@ BUILD_PACKAGES=(
     libspdlog-dev libfmt-dev libgtest-dev libgmock-dev libbenchmark-dev
     libassimp-dev assimp-testmodels libstb-dev libcli11-dev
     libegl-dev libgl-dev libopengl-dev libx11-dev libvulkan-dev
-    libegl1 libegl-mesa0 libgl1-mesa-dri
+    nlohmann-json3-dev
+    libegl1 libegl-mesa0 libgl1-mesa-dri libglx-mesa0 mesa-vulkan-drivers xvfb
 )
 
 # What `check` needs on top.
 # shellcheck disable=SC2034
 CHECK_PACKAGES=(
     clang clang-tidy clang-format binutils
-    g++-mingw-w64-x86-64-posix
     python3-glad khronos-api
+    g++-mingw-w64-x86-64-posix googletest
 )
+
+# What `windows` needs on top.
+# shellcheck disable=SC2034
+WINDOWS_PACKAGES=(
+    g++-mingw-w64-x86-64-posix googletest
+    wine wine64
+)
+
+# What `fuzz` needs on top.
+# shellcheck disable=SC2034
+FUZZ_PACKAGES=(clang libclang-rt-14-dev)
 
 # missing_packages PACKAGE...: prints those that are not installed.
 missing_packages()

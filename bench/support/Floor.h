@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
 
-namespace commandsbench
+namespace bench
 {
 
 class FloorRenderer;
@@ -29,4 +32,21 @@ public:
     virtual void execute(FloorDraw& draw);
 };
 
-} // namespace commandsbench
+using FloorList = std::vector<std::shared_ptr<FloorCommand>>;
+
+inline void appendFloorDraw(FloorList& list, uint32_t id)
+{
+    auto draw = std::make_shared<FloorDraw>();
+    draw->id = id;
+    list.push_back(std::move(draw));
+}
+
+inline void executeFloor(const FloorList& list, FloorRenderer& renderer)
+{
+    for (const std::shared_ptr<FloorCommand>& command : list)
+    {
+        command->execute(renderer);
+    }
+}
+
+} // namespace bench

@@ -1,6 +1,6 @@
-#include "commands/Floor.h"
+#include "support/Floor.h"
 
-namespace commandsbench
+namespace bench
 {
 
 void FloorDraw::execute(FloorRenderer& renderer)
@@ -12,4 +12,4 @@ FloorRenderer::~FloorRenderer() = default;
 
 void FloorRenderer::execute(FloorDraw&) {}
 
-} // namespace commandsbench
+} // namespace bench
