@@ -38,9 +38,9 @@ public:
     /// Often a value at the edge of a type or of one of the engine's tables.
     uint32_t number()
     {
-        static constexpr uint32_t EDGES[] = {0,   1,    2,     3,     4,          5,          6,          7,
-                                             8,   9,    15,    16,    31,         32,         33,         84,
-                                             85,  255,  256,   32767, 32768,      65535,      65536,      0x3FFFFFFF,
+        static constexpr uint32_t EDGES[] = {0,    1,    2,     3,     4,          5,          6,          7,
+                                             8,    9,    15,    16,    31,         32,         33,         84,
+                                             85,   255,  256,   32767, 32768,      65535,      65536,      0x3FFFFFFF,
                                              1000, 4096, 99999, 21,    0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF};
         const uint8_t choice = byte();
         return choice < 0xC0 ? EDGES[choice % std::size(EDGES)] : word();
@@ -58,10 +58,18 @@ public:
     float real()
     {
         using Limits = std::numeric_limits<float>;
-        static constexpr float EDGES[] = {0.0f,           -0.0f,           1.0f,
-                                          -1.0f,          0.5f,            1e6f,
-                                          Limits::max(),  Limits::lowest(), Limits::denorm_min(),
-                                          Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN()};
+        static constexpr float EDGES[] = {0.0f,
+                                          -0.0f,
+                                          1.0f,
+                                          -1.0f,
+                                          0.5f,
+                                          1e6f,
+                                          Limits::max(),
+                                          Limits::lowest(),
+                                          Limits::denorm_min(),
+                                          Limits::infinity(),
+                                          -Limits::infinity(),
+                                          Limits::quiet_NaN()};
         const uint8_t choice = byte();
         if (choice < 0xC0)
         {

@@ -1,5 +1,5 @@
-// What a recorded draw takes in memory, and how often a frame that replays a kept cache allocates. Both are counted, not
-// timed, so they have no floor beside them.
+// What a recorded draw takes in memory, and how often a frame that replays a kept cache allocates. Both are counted,
+// not timed, so they have no floor beside them.
 
 #include "commands/CommandBuffer.h"
 #include "renderer/RendererNull.h"

@@ -1,6 +1,6 @@
 // The cost of handing an empty frame to the render thread and waiting for it, beside its floor: two threads that wake
-// each other through bare condition variables. All threads share one processor, so that neither side can gain by polling
-// and the time to wake another processor does not count.
+// each other through bare condition variables. All threads share one processor, so that neither side can gain by
+// polling and the time to wake another processor does not count.
 
 #include "context/ContextBase.h"
 #include "context/ContextFactory.h"

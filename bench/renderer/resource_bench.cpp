@@ -1,8 +1,8 @@
 // What it costs to create and destroy a resource of each concept and to run the frame of it on a renderer that does
 // nothing, beside its floor: two heap-allocated commands of the sizes of the engine's in a vector of shared pointers.
 //
-// The renderer gives out a new number for each resource and takes none back, 4 bytes a resource: what its tables grow by
-// belongs to the engine's side.
+// The renderer gives out a new number for each resource and takes none back, 4 bytes a resource: what its tables grow
+// by belongs to the engine's side.
 
 #include "commands/CommandList.h"
 #include "renderer/RendererNull.h"
@@ -70,21 +70,21 @@ template <class Create, class Destroy> void runFloor(benchmark::State& state)
 template <class Create, class Destroy, class Turn> void add(const char* concept_, const Turn& turn)
 {
     const std::string name = std::string("BM_CreateDestroy") + concept_;
-    benchmark::RegisterBenchmark((name + "/engine").c_str(), [turn](benchmark::State& state) { runEngine(state, turn); });
+    benchmark::RegisterBenchmark((name + "/engine").c_str(),
+                                 [turn](benchmark::State& state) { runEngine(state, turn); });
     benchmark::RegisterBenchmark((name + "/floor").c_str(), runFloor<Create, Destroy>);
 }
 
-#define RENDERENGINE_ADD(CONCEPT)                                          \
-    add<CommandCreate##CONCEPT, CommandDestroy##CONCEPT>(                  \
+#define RENDERENGINE_ADD(CONCEPT)                                              \
+    add<CommandCreate##CONCEPT, CommandDestroy##CONCEPT>(                      \
         #CONCEPT, [properties = CONCEPT##Properties()](RendererBase& renderer) \
         { renderer.destroy##CONCEPT(renderer.create##CONCEPT(properties)); })
 
 void addAll()
 {
     add<CommandCreateDraw, CommandDestroyDraw>(
-        "Draw",
-        [gfxState = std::make_shared<const GfxStateProperties>(),
-         shaderState = std::make_shared<const ShaderStateCoreProperties>()](RendererBase& renderer)
+        "Draw", [gfxState = std::make_shared<const GfxStateProperties>(),
+                 shaderState = std::make_shared<const ShaderStateCoreProperties>()](RendererBase& renderer)
         { renderer.destroyDraw(renderer.createDraw(gfxState, shaderState)); });
     add<CommandCreateDrawProperties, CommandDestroyDrawProperties>(
         "DrawProperties", [properties = DrawProperties()](RendererBase& renderer)

@@ -51,11 +51,11 @@ SbMatrix viewMatrix(const Camera& camera)
 {
     const std::array<const SbVec3f*, 3> axes = {&camera.right, &camera.up, &camera.back};
     SbMatrix view;
-    for (int column = 0; column < 3; ++column)
+    for (std::size_t column = 0; column < 3; ++column)
     {
-        for (int row = 0; row < 3; ++row)
-            view[row][column] = (*axes[static_cast<std::size_t>(column)])[row];
-        view[3][column] = -dotted(camera.eye, *axes[static_cast<std::size_t>(column)]);
+        for (std::size_t row = 0; row < 3; ++row)
+            view[row][column] = (*axes[column])[row];
+        view[3][column] = -dotted(camera.eye, *axes[column]);
     }
     return view;
 }
@@ -108,7 +108,7 @@ Camera fitCamera(const Model& model, float aspect)
     // A model without extent still gets a distance, so that the planes below stay apart.
     const float size = std::max(model.bounds.diagonal(), 1e-6f);
     const float depth = std::min({horizontal.cameraDepth(), vertical.cameraDepth(), nearest - 0.05f * size});
-    for (int axis = 0; axis < 3; ++axis)
+    for (std::size_t axis = 0; axis < 3; ++axis)
         camera.eye[axis] = camera.right[axis] * horizontal.position() + camera.up[axis] * vertical.position() -
                            camera.back[axis] * depth;
 

@@ -156,9 +156,9 @@ SbMatrix localMatrix(const Json& node)
     if (node.contains("matrix"))
     {
         // Columns one after the other there, which are the rows here.
-        for (int row = 0; row < 4; ++row)
-            for (int column = 0; column < 4; ++column)
-                matrix[row][column] = node["matrix"].at(static_cast<std::size_t>(4 * row + column)).get<float>();
+        for (std::size_t row = 0; row < 4; ++row)
+            for (std::size_t column = 0; column < 4; ++column)
+                matrix[row][column] = node["matrix"].at(4 * row + column).get<float>();
         return matrix;
     }
     const auto s = node.value("scale", std::array<float, 3>{1.0f, 1.0f, 1.0f});
@@ -171,11 +171,11 @@ SbMatrix localMatrix(const Json& node)
     const float rotation[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y + z * w), 2 * (x * z - y * w)},
                                   {2 * (x * y - z * w), 1 - 2 * (x * x + z * z), 2 * (y * z + x * w)},
                                   {2 * (x * z + y * w), 2 * (y * z - x * w), 1 - 2 * (x * x + y * y)}};
-    for (int row = 0; row < 3; ++row)
+    for (std::size_t row = 0; row < 3; ++row)
     {
-        for (int column = 0; column < 3; ++column)
-            matrix[row][column] = s[static_cast<std::size_t>(row)] * rotation[row][column];
-        matrix[3][row] = t[static_cast<std::size_t>(row)];
+        for (std::size_t column = 0; column < 3; ++column)
+            matrix[row][column] = s[row] * rotation[row][column];
+        matrix[3][row] = t[row];
     }
     return matrix;
 }

@@ -28,7 +28,7 @@ SbMatrix toMatrix(const aiMatrix4x4& m)
     SbMatrix result;
     for (unsigned row = 0; row < 4; ++row)
         for (unsigned column = 0; column < 4; ++column)
-            result[static_cast<int>(row)][column] = m[column][row];
+            result[row][column] = m[column][row];
     return result;
 }
 

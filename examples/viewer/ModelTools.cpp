@@ -51,7 +51,7 @@ void addInstance(Model& model, std::size_t mesh, const SbMatrix& world)
 
 void Bounds::extend(const SbVec3f& point)
 {
-    for (int axis = 0; axis < 3; ++axis)
+    for (std::size_t axis = 0; axis < 3; ++axis)
     {
         min[axis] = std::min(min[axis], point[axis]);
         max[axis] = std::max(max[axis], point[axis]);

@@ -21,7 +21,10 @@ Image gradient(int width, int height)
         {
             const auto red = static_cast<std::uint8_t>(x * 255 / width);
             const auto green = static_cast<std::uint8_t>(y * 255 / height);
-            image.pixels.insert(image.pixels.end(), {red, green, 10, 255});
+            for (const std::uint8_t channel : {red, green, std::uint8_t{10}, std::uint8_t{255}})
+            {
+                image.pixels.push_back(channel);
+            }
         }
     }
     return image;

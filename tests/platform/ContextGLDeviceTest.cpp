@@ -34,7 +34,7 @@ GLuint makeBuffer()
     return buffer;
 }
 
-TEST(ContextGLDevice, InitFindsADeviceAndLeavesNothingCurrent)
+TEST(ContextGLDeviceTest, InitFindsADeviceAndLeavesNothingCurrent)
 {
     ContextGL context(ContextShare);
     context.init();
@@ -56,7 +56,7 @@ TEST(ContextGLDevice, InitFindsADeviceAndLeavesNothingCurrent)
     EXPECT_EQ(info.maxTextureCoords, 8);
 }
 
-TEST(ContextGLDevice, InfoBeforeInitIsTheInfoAfterIt)
+TEST(ContextGLDeviceTest, InfoBeforeInitIsTheInfoAfterIt)
 {
     ContextGL context(ContextShare);
     const ContextInfo before = context.getContextInfo();
@@ -67,7 +67,7 @@ TEST(ContextGLDevice, InfoBeforeInitIsTheInfoAfterIt)
     EXPECT_EQ(context.getContextInfo().maxTextureSize, before.maxTextureSize);
 }
 
-TEST(ContextGLDevice, TheProbedVersionIsTheContexts)
+TEST(ContextGLDeviceTest, TheProbedVersionIsTheContexts)
 {
     ContextGL context(0);
     context.init();
@@ -79,7 +79,7 @@ TEST(ContextGLDevice, TheProbedVersionIsTheContexts)
     EXPECT_EQ(utils::GL::getCurrentContext(), nullptr);
 }
 
-TEST(ContextGLDevice, CanBeCurrentOnAnotherThread)
+TEST(ContextGLDeviceTest, CanBeCurrentOnAnotherThread)
 {
     ContextGL context(0);
     context.init();
@@ -98,7 +98,7 @@ TEST(ContextGLDevice, CanBeCurrentOnAnotherThread)
     EXPECT_EQ(error, static_cast<GLenum>(GL_NO_ERROR));
 }
 
-TEST(ContextGLDevice, InitRunsOnAnyThread)
+TEST(ContextGLDeviceTest, InitRunsOnAnyThread)
 {
     bool isValid = false;
     std::thread(
@@ -113,7 +113,7 @@ TEST(ContextGLDevice, InitRunsOnAnyThread)
     EXPECT_TRUE(isValid);
 }
 
-TEST(ContextGLDevice, RenderThreadHoldsTheContext)
+TEST(ContextGLDeviceTest, RenderThreadHoldsTheContext)
 {
     ContextGL context(ContextMultithread | ContextShare);
     context.init();
@@ -122,7 +122,7 @@ TEST(ContextGLDevice, RenderThreadHoldsTheContext)
     EXPECT_EQ(utils::GL::getCurrentContext(), nullptr);
 }
 
-TEST(ContextGLDevice, ContextsShareWithWhatIsCurrent)
+TEST(ContextGLDeviceTest, ContextsShareWithWhatIsCurrent)
 {
     ContextGL first(0);
     first.init();
@@ -150,7 +150,7 @@ TEST(ContextGLDevice, ContextsShareWithWhatIsCurrent)
     first.doneCurrent();
 }
 
-TEST(ContextGLDevice, WhatWasCurrentIsPutBack)
+TEST(ContextGLDeviceTest, WhatWasCurrentIsPutBack)
 {
     ContextGL host(0);
     host.init();
@@ -173,7 +173,7 @@ TEST(ContextGLDevice, WhatWasCurrentIsPutBack)
     host.doneCurrent();
 }
 
-TEST(ContextGLDevice, OneContextOutlivesTheOther)
+TEST(ContextGLDeviceTest, OneContextOutlivesTheOther)
 {
     auto first = std::make_unique<ContextGL>(static_cast<uint8_t>(0));
     ContextGL second(0);
@@ -186,7 +186,7 @@ TEST(ContextGLDevice, OneContextOutlivesTheOther)
     second.doneCurrent();
 }
 
-TEST(ContextGLDevice, AContextIsDestroyedWhileItIsCurrent)
+TEST(ContextGLDeviceTest, AContextIsDestroyedWhileItIsCurrent)
 {
     {
         ContextGL context(0);
@@ -197,7 +197,7 @@ TEST(ContextGLDevice, AContextIsDestroyedWhileItIsCurrent)
     EXPECT_EQ(glbinding::t_table, &glbinding::g_silentTable);
 }
 
-TEST(ContextGLDevice, DebugFlagMakesADebugContext)
+TEST(ContextGLDeviceTest, DebugFlagMakesADebugContext)
 {
     ContextGL context(ContextDebug);
     context.init();
@@ -206,7 +206,7 @@ TEST(ContextGLDevice, DebugFlagMakesADebugContext)
     context.doneCurrent();
 }
 
-TEST(ContextGLCoreDevice, CoreSettingMakesACoreContext)
+TEST(ContextGLCoreDeviceTest, CoreSettingMakesACoreContext)
 {
     SoPreferences::setBool("KVR_RENDERENGINE_USE_GLCORE", true);
     ContextGL context(0);
@@ -215,14 +215,14 @@ TEST(ContextGLCoreDevice, CoreSettingMakesACoreContext)
     EXPECT_GE(context.getContextInfo().version, 410);
 }
 
-TEST(ContextGLDevice, DefaultIsTheCompatibilityProfile)
+TEST(ContextGLDeviceTest, DefaultIsTheCompatibilityProfile)
 {
     ContextGL context(0);
     context.init();
     EXPECT_EQ(context.getContextInfo().profile, GL_CONTEXT_COMPATIBILITY_PROFILE_BIT);
 }
 
-TEST(ContextGLDevice, LibraryStartsAndEnds)
+TEST(ContextGLDeviceTest, LibraryStartsAndEnds)
 {
     init();
     EXPECT_EQ(utils::GL::getCurrentContext(), nullptr);
@@ -231,7 +231,7 @@ TEST(ContextGLDevice, LibraryStartsAndEnds)
     finish();
 }
 
-TEST(RenderingWindowDevice, WindowHasAPixelFormatWithTheDefaultWishes)
+TEST(RenderingWindowDeviceTest, WindowHasAPixelFormatWithTheDefaultWishes)
 {
     const RenderingWindow window(SbVec2i32(1, 1));
     PIXELFORMATDESCRIPTOR* visualInfo = utils::GL::getWindowVisualInfo(window.getDisplay(), window.getDrawable());
@@ -244,7 +244,7 @@ TEST(RenderingWindowDevice, WindowHasAPixelFormatWithTheDefaultWishes)
     utils::GL::releaseVisualInfo(visualInfo);
 }
 
-TEST(FormatDevice, SearchInACurrentContextFindsMultisampling)
+TEST(FormatDeviceTest, SearchInACurrentContextFindsMultisampling)
 {
     ContextGL context(0);
     context.init();

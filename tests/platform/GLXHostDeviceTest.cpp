@@ -75,7 +75,7 @@ private:
 constexpr const char* s_message = "A GLX context is current on this thread, which keeps EGL from binding one: the host "
                                   "must make its contexts through EGL";
 
-TEST(GLXHostDevice, ItsContextIsNotSeen)
+TEST(GLXHostDeviceTest, ItsContextIsNotSeen)
 {
     const GLXHost host;
     ASSERT_TRUE(host.isCurrent());
@@ -84,7 +84,7 @@ TEST(GLXHostDevice, ItsContextIsNotSeen)
     EXPECT_EQ(platform().procAddress("glClear"), nullptr);
 }
 
-TEST(GLXHostDevice, ItIsToldOnceInOneError)
+TEST(GLXHostDeviceTest, ItIsToldOnceInOneError)
 {
     const GLXHost host;
     ASSERT_TRUE(host.isCurrent());
@@ -104,7 +104,7 @@ TEST(GLXHostDevice, ItIsToldOnceInOneError)
     EXPECT_EQ(told, 1);
 }
 
-TEST(GLXHostDevice, TheEngineWorksOnAThreadWithoutItsContext)
+TEST(GLXHostDeviceTest, TheEngineWorksOnAThreadWithoutItsContext)
 {
     const GLXHost host;
     ASSERT_TRUE(host.isCurrent());

@@ -59,7 +59,7 @@ void limitVersion(const char* version, const char* language)
     setVariable("MESA_GLSL_VERSION_OVERRIDE", language);
 }
 
-TEST(MesaZinkDevice, IsATrue46AndDraws)
+TEST(MesaZinkDeviceTest, IsATrue46AndDraws)
 {
     useZinkOverLavapipe();
     ContextGL context(ContextMultithread | ContextShare);
@@ -75,7 +75,7 @@ TEST(MesaZinkDevice, IsATrue46AndDraws)
     EXPECT_TRUE(isTriangle(drawTriangle(context)));
 }
 
-TEST(MesaZinkDevice, CoreProfileDraws)
+TEST(MesaZinkDeviceTest, CoreProfileDraws)
 {
     useZinkOverLavapipe();
     SoPreferences::setBool("KVR_RENDERENGINE_USE_GLCORE", true);
@@ -86,7 +86,7 @@ TEST(MesaZinkDevice, CoreProfileDraws)
     EXPECT_TRUE(isTriangle(drawTriangle(context)));
 }
 
-TEST(MesaZinkDevice, CanBeHeldTo41BySetting)
+TEST(MesaZinkDeviceTest, CanBeHeldTo41BySetting)
 {
     useZinkOverLavapipe();
     SoPreferences::setString("KVR_RENDERENGINE_RENDERER", "gl41");
@@ -98,7 +98,7 @@ TEST(MesaZinkDevice, CanBeHeldTo41BySetting)
     EXPECT_TRUE(isTriangle(drawTriangle(context)));
 }
 
-TEST(MesaVersionDevice, OlderThan43TakesTheOlderRenderer)
+TEST(MesaVersionDeviceTest, OlderThan43TakesTheOlderRenderer)
 {
     limitVersion("4.1COMPAT", "410");
     ContextGL context(ContextMultithread | ContextShare);
@@ -109,7 +109,7 @@ TEST(MesaVersionDevice, OlderThan43TakesTheOlderRenderer)
     EXPECT_TRUE(isTriangle(drawTriangle(context)));
 }
 
-TEST(MesaVersionDevice, CoreRequestFallsBackTo41)
+TEST(MesaVersionDeviceTest, CoreRequestFallsBackTo41)
 {
     // A core context of 4.6 is refused here, and the second request is granted.
     limitVersion("4.1", "410");
@@ -122,7 +122,7 @@ TEST(MesaVersionDevice, CoreRequestFallsBackTo41)
     EXPECT_TRUE(isTriangle(drawTriangle(context)));
 }
 
-TEST(MesaVersionDevice, From43OnTheNewerRendererIsTaken)
+TEST(MesaVersionDeviceTest, From43OnTheNewerRendererIsTaken)
 {
     limitVersion("4.3COMPAT", "430");
     ContextGL context(ContextShare);
@@ -133,7 +133,7 @@ TEST(MesaVersionDevice, From43OnTheNewerRendererIsTaken)
     EXPECT_TRUE(isTriangle(drawTriangle(context)));
 }
 
-TEST(MesaVersionDevice, OlderThan41IsToldAndGoesOn)
+TEST(MesaVersionDeviceTest, OlderThan41IsToldAndGoesOn)
 {
     limitVersion("4.0COMPAT", "400");
     ContextGL context(ContextShare);

@@ -70,7 +70,7 @@ private:
     EGLContext m_context = EGL_NO_CONTEXT;
 };
 
-TEST(PlatformEGLDevice, ContextOfTheHostIsAValidHandle)
+TEST(PlatformEGLDeviceTest, ContextOfTheHostIsAValidHandle)
 {
     const HostContext host;
     ASSERT_TRUE(host.isCurrentWithItsSurfaces());
@@ -82,7 +82,7 @@ TEST(PlatformEGLDevice, ContextOfTheHostIsAValidHandle)
     EXPECT_EQ(platform().windowFromDC(display), nullptr);
 }
 
-TEST(PlatformEGLDevice, HostIsSharedWithAndPutBackWithItsSurfaces)
+TEST(PlatformEGLDeviceTest, HostIsSharedWithAndPutBackWithItsSurfaces)
 {
     const HostContext host;
     ASSERT_TRUE(host.isCurrentWithItsSurfaces());
@@ -106,7 +106,7 @@ TEST(PlatformEGLDevice, HostIsSharedWithAndPutBackWithItsSurfaces)
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-TEST(PlatformEGLDevice, InfoBeforeInitPutsTheHostBack)
+TEST(PlatformEGLDeviceTest, InfoBeforeInitPutsTheHostBack)
 {
     const HostContext host;
     ContextGL engine(ContextShare);
@@ -114,7 +114,7 @@ TEST(PlatformEGLDevice, InfoBeforeInitPutsTheHostBack)
     EXPECT_TRUE(host.isCurrentWithItsSurfaces());
 }
 
-TEST(PlatformEGLDevice, HostWithARenderThreadBesideIt)
+TEST(PlatformEGLDeviceTest, HostWithARenderThreadBesideIt)
 {
     const HostContext host;
     ContextGL engine(ContextMultithread | ContextShare);
@@ -123,7 +123,7 @@ TEST(PlatformEGLDevice, HostWithARenderThreadBesideIt)
     EXPECT_TRUE(host.isCurrentWithItsSurfaces());
 }
 
-TEST(PlatformEGLDevice, TheThreadKeepsItsEGLApi)
+TEST(PlatformEGLDeviceTest, TheThreadKeepsItsEGLApi)
 {
     ASSERT_TRUE(eglBindAPI(EGL_OPENGL_ES_API));
     ContextGL engine(ContextShare);
@@ -134,7 +134,7 @@ TEST(PlatformEGLDevice, TheThreadKeepsItsEGLApi)
     EXPECT_EQ(eglQueryAPI(), static_cast<EGLenum>(EGL_OPENGL_ES_API));
 }
 
-TEST(PlatformEGLDevice, FunctionsNeedACurrentContext)
+TEST(PlatformEGLDeviceTest, FunctionsNeedACurrentContext)
 {
     EXPECT_EQ(platform().procAddress("glClear"), nullptr);
     EXPECT_EQ(platform().procAddress("wglCreateContextAttribsARB"), nullptr);
@@ -145,7 +145,7 @@ TEST(PlatformEGLDevice, FunctionsNeedACurrentContext)
     EXPECT_EQ(platform().procAddress("wglNoSuchFunction"), nullptr);
 }
 
-TEST(PlatformEGLDevice, TheTableBesideGLAnswersLikeTheLayer)
+TEST(PlatformEGLDeviceTest, TheTableBesideGLAnswersLikeTheLayer)
 {
     const HostContext host;
     HDC display = utils::GL::getCurrentDisplay();
@@ -165,7 +165,7 @@ TEST(PlatformEGLDevice, TheTableBesideGLAnswersLikeTheLayer)
     EXPECT_GT(formats[0], 0);
 }
 
-TEST(PlatformEGLDevice, ClassesAreCountedByTheirWindows)
+TEST(PlatformEGLDeviceTest, ClassesAreCountedByTheirWindows)
 {
     PlatformLayer& layer = platform();
     void* module = layer.moduleHandle();
@@ -187,7 +187,7 @@ TEST(PlatformEGLDevice, ClassesAreCountedByTheirWindows)
     EXPECT_FALSE(layer.unregisterClass(module, "Test"));
 }
 
-TEST(PlatformEGLDevice, AWindowTakesOnePixelFormat)
+TEST(PlatformEGLDeviceTest, AWindowTakesOnePixelFormat)
 {
     PlatformLayer& layer = platform();
     void* module = layer.moduleHandle();
@@ -214,14 +214,14 @@ TEST(PlatformEGLDevice, AWindowTakesOnePixelFormat)
     EXPECT_EQ(layer.lastError(), static_cast<unsigned long>(EGL_BAD_DISPLAY));
 }
 
-TEST(PlatformEGLDevice, ReleasingNothingSucceeds)
+TEST(PlatformEGLDeviceTest, ReleasingNothingSucceeds)
 {
     EXPECT_TRUE(platform().makeCurrent(nullptr, nullptr));
     EXPECT_EQ(platform().currentContext(), nullptr);
     EXPECT_EQ(platform().currentDisplay(), nullptr);
 }
 
-TEST(PlatformEGLDevice, CountsAsALaterWindowsWithoutDisplayDevices)
+TEST(PlatformEGLDeviceTest, CountsAsALaterWindowsWithoutDisplayDevices)
 {
     int major = 0;
     int minor = 0;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 namespace
@@ -53,8 +54,8 @@ Fit fitOf(const Model& model, float aspect)
         const SbVec3f point = model.instances[0].model.multVecMatrix(position);
         const float p[4] = {point[0], point[1], point[2], 1.0f};
         float clip[4] = {};
-        for (int column = 0; column < 4; ++column)
-            for (int row = 0; row < 4; ++row)
+        for (std::size_t column = 0; column < 4; ++column)
+            for (std::size_t row = 0; row < 4; ++row)
                 clip[column] += p[row] * camera.viewProjection[row][column];
         fit.x = std::max(fit.x, std::abs(clip[0] / clip[3]));
         fit.y = std::max(fit.y, std::abs(clip[1] / clip[3]));

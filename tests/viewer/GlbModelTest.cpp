@@ -26,7 +26,7 @@ std::string pathOf(const std::string& name)
 
 void expectNear(const SbVec3f& a, const SbVec3f& b, float tolerance)
 {
-    for (int axis = 0; axis < 3; ++axis)
+    for (std::size_t axis = 0; axis < 3; ++axis)
         EXPECT_NEAR(a[axis], b[axis], tolerance);
 }
 

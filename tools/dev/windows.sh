@@ -22,8 +22,8 @@ start_wine()
     export DISPLAY=:$number
     export WINEPREFIX=$WINE_SCRATCH/prefix
     export WINEDEBUG=-all
-    # No installers for .NET and HTML, and no menu entries on the host.
-    export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
+    # No installers for .NET and HTML, no menu entries on the host, and no debugger that waits at a crash.
+    export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe,winedbg.exe=d'
     # Always the driver that draws on the processor, whatever the machine has.
     export LIBGL_ALWAYS_SOFTWARE=1
     # Wine talks to one server process a prefix. Kept alive, it need not start for each test.
