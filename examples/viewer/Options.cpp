@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <regex>
+#include <charconv>
+#include <string_view>
+#include <system_error>
 
 namespace viewer
 {
@@ -12,14 +14,26 @@ namespace viewer
 namespace
 {
 
+/// Reads a number of pixels from the start of the text and cuts it off; false when there is none that fits.
+bool takeNumber(std::string_view& text, uint32_t& number)
+{
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    return error == std::errc();
+}
+
+bool takeSeparator(std::string_view& text)
+{
+    const bool found = !text.empty() && (text.front() == 'x' || text.front() == 'X');
+    text.remove_prefix(found ? 1 : 0);
+    return found;
+}
+
 void readSize(const std::string& text, Options& options)
 {
-    static const std::regex form("([0-9]{1,9})[xX]([0-9]{1,9})");
-    std::smatch match;
-    if (!std::regex_match(text, match, form))
+    std::string_view rest = text;
+    if (!takeNumber(rest, options.width) || !takeSeparator(rest) || !takeNumber(rest, options.height) || !rest.empty())
         throw OptionError("the size '" + text + "' is not of the form WIDTHxHEIGHT, as 1280x800");
-    options.width = static_cast<uint32_t>(std::stoul(match[1]));
-    options.height = static_cast<uint32_t>(std::stoul(match[2]));
     if (options.width == 0 || options.height == 0)
         throw OptionError("the size '" + text + "' holds no pixel; width and height are at least 1");
 }
