@@ -57,8 +57,8 @@ TEST_F(RenderTargetGLTest, UpdateBuildsTheFramebufferAndRestoresTheBinding)
     properties.srgb = 1;
     gl.clear();
     update();
-    EXPECT_EQ(gl.takeCalls(), (Texts{"glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, <pointer>)", "glGenFramebuffers(1, -> 1)",
-                                     "glBindFramebuffer(GL_FRAMEBUFFER, 1)",
+    EXPECT_EQ(gl.takeCalls(), (Texts{"glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, <pointer>)",
+                                     "glGenFramebuffers(1, -> 1)", "glBindFramebuffer(GL_FRAMEBUFFER, 1)",
                                      "glFramebufferTexture(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, 1, 2)",
                                      "glFramebufferTexture(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT1, 2, 0)",
                                      "glFramebufferTexture(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, 3, 0)",

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 using namespace renderengine::testing;
 
@@ -14,17 +15,16 @@ namespace
 
 Image gradient(int width, int height)
 {
-    Image image{width, height, {}};
+    Image image{width, height, std::vector<std::uint8_t>(static_cast<std::size_t>(width * height) * 4, 255)};
+    std::size_t offset = 0;
     for (int y = 0; y < height; ++y)
     {
         for (int x = 0; x < width; ++x)
         {
-            const auto red = static_cast<std::uint8_t>(x * 255 / width);
-            const auto green = static_cast<std::uint8_t>(y * 255 / height);
-            for (const std::uint8_t channel : {red, green, std::uint8_t{10}, std::uint8_t{255}})
-            {
-                image.pixels.push_back(channel);
-            }
+            image.pixels[offset] = static_cast<std::uint8_t>(x * 255 / width);
+            image.pixels[offset + 1] = static_cast<std::uint8_t>(y * 255 / height);
+            image.pixels[offset + 2] = 10;
+            offset += 4;
         }
     }
     return image;
