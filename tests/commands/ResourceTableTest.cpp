@@ -133,6 +133,7 @@ TEST(ResourceTable, GetGrowsTheSlotsUpToTheHandle)
     BufferTable table(16);
     BufferTable::Slot& slot = table.get(BufferHandle(1000));
     EXPECT_EQ(slot, nullptr);
+    EXPECT_EQ(&slot - &table.get(BufferHandle(0)), 1000) << "1001 slots, and this one is the last";
     int destroyCalls = 0;
     slot = std::make_shared<Resource>(&destroyCalls);
     EXPECT_EQ(table.get(BufferHandle(1000)), slot);
