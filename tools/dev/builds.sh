@@ -36,5 +36,5 @@ sanitizer_options()
     export ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1:detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1
     export LSAN_OPTIONS=report_objects=1
     export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-    export TSAN_OPTIONS=second_deadlock_stack=1:halt_on_error=1:suppressions=$PWD/tools/dev/tsan.supp
+    export TSAN_OPTIONS=second_deadlock_stack=1:halt_on_error=1:allocator_may_return_null=1:suppressions=$PWD/tools/dev/tsan.supp
 }
