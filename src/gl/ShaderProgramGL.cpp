@@ -6,7 +6,6 @@
 
 #include <locale>
 #include <sstream>
-#include <utility>
 
 namespace renderengine
 {
@@ -98,12 +97,12 @@ void ShaderProgramGL::reflectAttributes()
         AttribData data;
         glGetActiveAttrib(id, static_cast<GLuint>(i), static_cast<GLsizei>(buffer.size()), &length, &data.size,
                           &data.type, buffer.data());
-        std::string name = takeName(buffer, length);
+        const std::string name = takeName(buffer, length);
         data.location = glGetAttribLocation(id, name.c_str());
         // Built-in attributes are active but have no location.
         if (data.location != -1)
         {
-            attributes[std::move(name)] = data;
+            attributes.set(name, data);
         }
     }
 }
@@ -136,14 +135,14 @@ void ShaderProgramGL::reflectUniforms()
 
 void ShaderProgramGL::storeUniform(const std::string& name, GLint size, GLint location)
 {
-    uniforms[name] = location;
+    uniforms.set(name, location);
     if (size <= 0)
     {
         return;
     }
     // An array is reported by its first element.
     const std::string plainName = name.substr(0, name.rfind('['));
-    uniforms[plainName] = location;
+    uniforms.set(plainName, location);
     for (GLint i = 1; i < size; ++i)
     {
         std::ostringstream stream;
@@ -152,7 +151,7 @@ void ShaderProgramGL::storeUniform(const std::string& name, GLint size, GLint lo
         stream << plainName << '[' << i << ']';
         const std::string elementName = stream.str();
         const GLint computed = location + i;
-        uniforms[elementName] = computed;
+        uniforms.set(elementName, computed);
         const GLint reported = glGetUniformLocation(id, elementName.c_str());
         // Arrays are sent in one call from the first location on, so the computed one stays.
         if (reported != computed)
@@ -178,7 +177,7 @@ void ShaderProgramGL::reflectBlocks(GLenum programInterface, BlockMap& blocks) c
         GLsizei length = 0;
         glGetProgramResourceName(id, programInterface, index, static_cast<GLsizei>(buffer.size()), &length,
                                  buffer.data());
-        blocks[takeName(buffer, length)] = index;
+        blocks.set(takeName(buffer, length), index);
     }
 }
 
@@ -196,7 +195,7 @@ void ShaderProgramGL::reflectUniformBlocksWithoutInterfaceQuery()
         const auto index = static_cast<GLuint>(i);
         GLsizei length = 0;
         glGetActiveUniformBlockName(id, index, static_cast<GLsizei>(buffer.size()), &length, buffer.data());
-        uniformBlocks[takeName(buffer, length)] = index;
+        uniformBlocks.set(takeName(buffer, length), index);
     }
 }
 
@@ -220,33 +219,31 @@ void ShaderProgramGL::use(uint32_t patchVertices) const
     glUseProgram(id);
 }
 
-GLint ShaderProgramGL::getUniformLocation(const std::string& name) const
+GLint ShaderProgramGL::getUniformLocation(std::string_view name) const
 {
-    const auto found = uniforms.find(name);
-    return found != uniforms.end() ? found->second : -1;
+    const GLint* location = uniforms.find(name);
+    return location ? *location : -1;
 }
 
-GLint ShaderProgramGL::getAttribLocation(const std::string& name) const
+GLint ShaderProgramGL::getAttribLocation(std::string_view name) const
 {
-    const auto found = attributes.find(name);
-    return found != attributes.end() ? found->second.location : -1;
+    const AttribData* data = attributes.find(name);
+    return data ? data->location : -1;
 }
 
 void ShaderProgramGL::bindBlock(const ShaderBufferGL& buffer, GLuint bindingPoint) const
 {
     if (buffer.getTarget() == GL_UNIFORM_BUFFER)
     {
-        const auto found = uniformBlocks.find(buffer.getName());
-        if (found != uniformBlocks.end())
+        if (const GLuint* index = uniformBlocks.find(buffer.getName()))
         {
-            glUniformBlockBinding(id, found->second, bindingPoint);
+            glUniformBlockBinding(id, *index, bindingPoint);
         }
         return;
     }
-    const auto found = shaderStorageBlocks.find(buffer.getName());
-    if (found != shaderStorageBlocks.end())
+    if (const GLuint* index = shaderStorageBlocks.find(buffer.getName()))
     {
-        glShaderStorageBlockBinding(id, found->second, bindingPoint);
+        glShaderStorageBlockBinding(id, *index, bindingPoint);
     }
 }
 

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "gl/BaseResourceGL.h"
+#include "gl/NameMap.h"
 
 #include <glbinding/gl.h>
 
 #include <cstdint>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 namespace renderengine
@@ -37,9 +38,9 @@ public:
     /// glPatchParameteri(GL_PATCH_VERTICES), then glUseProgram.
     void use(uint32_t patchVertices) const;
     /// Location of a uniform, -1 when the program lacks it. Elements of an array resolve with and without their index.
-    GLint getUniformLocation(const std::string& name) const;
+    GLint getUniformLocation(std::string_view name) const;
     /// Location of a vertex attribute, -1 when the program lacks it.
-    GLint getAttribLocation(const std::string& name) const;
+    GLint getAttribLocation(std::string_view name) const;
     /// Connects the block of the buffer's name with a binding point, for the buffer's target. A block that the program
     /// lacks is skipped.
     void bindBlock(const ShaderBufferGL& buffer, GLuint bindingPoint) const;
@@ -55,13 +56,13 @@ public:
     /// Location of the uniform "KvrPointSize", -1 when the program lacks it.
     GLint getPointSizeLocation() const { return pointSizeLocation; }
 
-    const std::unordered_map<std::string, GLint>& getUniforms() const { return uniforms; }
-    const std::unordered_map<std::string, AttribData>& getAttributes() const { return attributes; }
-    const std::unordered_map<std::string, GLuint>& getShaderStorageBlocks() const { return shaderStorageBlocks; }
-    const std::unordered_map<std::string, GLuint>& getUniformBlocks() const { return uniformBlocks; }
+    const NameMap<GLint>& getUniforms() const { return uniforms; }
+    const NameMap<AttribData>& getAttributes() const { return attributes; }
+    const NameMap<GLuint>& getShaderStorageBlocks() const { return shaderStorageBlocks; }
+    const NameMap<GLuint>& getUniformBlocks() const { return uniformBlocks; }
 
 private:
-    using BlockMap = std::unordered_map<std::string, GLuint>;
+    using BlockMap = NameMap<GLuint>;
 
     void sendVaryings() const;
     void reflectAttributes();
@@ -72,8 +73,8 @@ private:
     GLint getParameter(GLenum parameter) const;
 
     GLuint id = 0;
-    std::unordered_map<std::string, GLint> uniforms;
-    std::unordered_map<std::string, AttribData> attributes;
+    NameMap<GLint> uniforms;
+    NameMap<AttribData> attributes;
     BlockMap shaderStorageBlocks;
     BlockMap uniformBlocks;
     std::vector<std::string> varyingNames;

@@ -93,7 +93,7 @@ protected:
         link({compile(Vertex, s_vertex), compile(Fragment, s_fragment)});
         const GLuint id = program.getId();
         EXPECT_EQ(program.getAttributes().size(), 2u);
-        EXPECT_EQ(program.getAttributes().at("tint").type, GLenum{GL_FLOAT_VEC4});
+        EXPECT_EQ(program.getAttributes().find("tint")->type, GLenum{GL_FLOAT_VEC4});
         EXPECT_EQ(program.getAttribLocation("position"), glGetAttribLocation(id, "position"));
         for (const char* name : {"scalar", "matrices", "matrices[0]", "matrices[1]", "matrices[2]", "lights[1].color",
                                  "lights[0].weights[1]", "lights[1].weights"})
@@ -105,8 +105,8 @@ protected:
         EXPECT_EQ(program.getUniformLocation("view"), -1);
         EXPECT_EQ(program.getUseMergedShaderBuffersLocation(), glGetUniformLocation(id, "KvrUseMergedShaderBuffers"));
         EXPECT_EQ(program.getUniformBlocks().size(), 2u);
-        EXPECT_EQ(program.getUniformBlocks().at("Camera"), glGetUniformBlockIndex(id, "Camera"));
-        EXPECT_EQ(program.getUniformBlocks().at("Material"), glGetUniformBlockIndex(id, "Material"));
+        EXPECT_EQ(*program.getUniformBlocks().find("Camera"), glGetUniformBlockIndex(id, "Camera"));
+        EXPECT_EQ(*program.getUniformBlocks().find("Material"), glGetUniformBlockIndex(id, "Material"));
         EXPECT_TRUE(program.getShaderStorageBlocks().empty());
     }
 
