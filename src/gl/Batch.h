@@ -3,11 +3,13 @@
 #include "gl/BaseResourceGL.h"
 #include "gl/MergedDraw.h"
 
+#include <renderengine/DrawProperties.h>
 #include <renderengine/Handle.h>
 
 #include <array>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <vector>
 
 namespace renderengine
@@ -47,6 +49,11 @@ public:
 
     /// The members, in draw order.
     std::vector<DrawPropertiesHandle> drawProperties;
+
+    /// The record of the first member as it was when the batch was made, null when it had none: a draw takes its shader
+    /// buffers, and those of a batch of one member also its constant attributes and its ranges. Held here since a
+    /// member may leave the draw, and its handle come back for another one, while the batch is still drawn.
+    std::shared_ptr<const DrawProperties> firstMember;
 
     /// Merged draws exist; the batch is torn down before it is built again.
     bool built = false;

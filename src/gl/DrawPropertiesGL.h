@@ -3,6 +3,7 @@
 #include <renderengine/DrawProperties.h>
 #include <renderengine/Handle.h>
 
+#include <memory>
 #include <vector>
 
 namespace renderengine
@@ -12,7 +13,8 @@ namespace renderengine
 /// the record reaches their batches without a search.
 struct DrawPropertiesGL
 {
-    DrawProperties properties;
+    /// Never null. An update puts another record here: batches may hold the former one.
+    std::shared_ptr<const DrawProperties> properties;
 
     /// The draws that hold this object, one entry for each time they hold it.
     std::vector<DrawHandle> draws;

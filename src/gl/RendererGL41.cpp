@@ -40,6 +40,7 @@ RendererGL41::RendererGL41(bool debug)
       m_framebufferEventArg(std::make_unique<FramebufferParameterGLEventArg>()),
       m_presentFrame(std::make_unique<PresentFrameGL_GL>()),
       m_reversePresentFrame(std::make_unique<ReversePresentFrameGL_GL>()),
+      m_explainMerging(SoPreferences::getBool("KVR_RENDERENGINE_EXPLAIN_MERGING", false)),
       m_useFence(SoPreferences::getInt("KVR_USE_FENCE", 1) == 1), m_frameFence(1), m_presentFence(1),
       m_maxShaderCompilerThreads(
           static_cast<uint32_t>(SoPreferences::getInt("KVR_RENDERENGINE_MAX_SHADER_COMPILER_THREADS", 0)))
@@ -172,6 +173,9 @@ void RendererGL41::destroy()
     m_tables.shaderObjects.destroyAll();
     m_tables.shaderPrograms.destroyAll();
     m_tables.queries.destroyAll();
+    m_sequenceBuffer = BufferHandle();
+    m_sequenceIndexBuffer = IndexBufferHandle();
+    m_sequenceCount = 0;
     m_presentFrame.reset();
     m_frameFence.release();
     m_presentFence.release();

@@ -261,7 +261,7 @@ private:
     // Draw
     void applyDrawStateInFull(const DrawGL& draw);
     void applyDrawStateDifferences(const DrawGL& draw);
-    bool updateBatches(DrawGL& draw);
+    bool updateBatches(const DrawHandle& handle, DrawGL& draw);
     void drawBatch(const Batch& batch, bool mergeable, const ShaderProgramGL& program, GLuint firstBinding);
     void drawMerged(const Batch& batch);
     void drawRanges(const Batch& batch);
@@ -282,9 +282,11 @@ private:
     struct PrimitiveUse;
     bool isBatchListValid(const DrawGL& draw) const;
     bool canMerge(const DrawGL& draw) const;
-    static bool canMergeRanges(const std::vector<DrawRange>& ranges);
+    const char* findReasonAgainstMerging(const DrawGL& draw) const;
+    void explainMerging(const DrawHandle& handle, const DrawGL& draw, bool mergeable) const;
     void releaseBatch(Batch& batch);
     void buildPlainBatch(DrawGL& draw);
+    void holdFirstMember(Batch& batch) const;
     void buildMergedBatch(Batch& batch);
     uint64_t getElementCount(const VertexBufferHandle& handle) const;
     uint64_t getLargestElementCount(const DrawProperties& properties) const;
@@ -333,6 +335,7 @@ private:
     std::unique_ptr<FramebufferParameterGLEventArg> m_framebufferEventArg;
     std::unique_ptr<PresentFrameGL_GL> m_presentFrame;
     std::unique_ptr<ReversePresentFrameGL_GL> m_reversePresentFrame;
+    bool m_explainMerging;
     bool m_useFence;
     FenceGL m_frameFence;
     FenceGL m_presentFence;

@@ -52,7 +52,7 @@ void RendererGL41::execute(CommandRender& command)
         const RasterizerProperties& rasterizer = draw->gfxState->rasterizer;
         glUniform1f(program->getPointSizeLocation(), rasterizer.pointSize * rasterizer.sizeScale);
         applyShaderParameters(shaderState, *program);
-        const bool mergeable = updateBatches(*draw);
+        const bool mergeable = updateBatches(command.handle, *draw);
         for (const std::unique_ptr<Batch>& batch : draw->batches)
         {
             drawBatch(*batch, mergeable, *program, firstBinding);
@@ -107,7 +107,7 @@ void RendererGL41::applyDrawStateDifferences(const DrawGL& draw)
 }
 
 /// Brings the batches up to date and returns whether they are drawn merged.
-bool RendererGL41::updateBatches(DrawGL& draw)
+bool RendererGL41::updateBatches(const DrawHandle& handle, DrawGL& draw)
 {
     const bool needRebuild = !isBatchListValid(draw);
     if (needRebuild)
@@ -132,6 +132,10 @@ bool RendererGL41::updateBatches(DrawGL& draw)
     {
         mergeShaderBuffers(*batch, needRebuild);
         batch->setDirty(false);
+    }
+    if (needRebuild && m_explainMerging)
+    {
+        explainMerging(handle, draw, mergeable);
     }
     draw.batchesValid = true;
     return mergeable;
@@ -171,16 +175,11 @@ void RendererGL41::drawBatch(const Batch& batch, bool mergeable, const ShaderPro
 GLuint RendererGL41::bindDrawShaderBuffers(const Batch& batch, const ShaderProgramGL& program, GLuint firstBinding)
 {
     GLuint binding = firstBinding;
-    if (batch.drawProperties.empty())
+    if (!batch.firstMember)
     {
         return binding;
     }
-    const DrawPropertiesGL* first = find(m_tables.drawProperties, batch.drawProperties.front());
-    if (first == nullptr)
-    {
-        return binding;
-    }
-    for (const ShaderBufferHandle& handle : first->properties.shaderBuffers)
+    for (const ShaderBufferHandle& handle : batch.firstMember->shaderBuffers)
     {
         if (const ShaderBufferGL* buffer = find(m_tables.shaderBuffers, handle))
         {
@@ -193,12 +192,11 @@ GLuint RendererGL41::bindDrawShaderBuffers(const Batch& batch, const ShaderProgr
 
 void RendererGL41::applyOverallAttributes(const Batch& batch, const ShaderProgramGL& program)
 {
-    const DrawPropertiesGL* member = find(m_tables.drawProperties, batch.drawProperties.front());
-    if (member == nullptr)
+    if (!batch.firstMember)
     {
         return;
     }
-    for (const OverallAttribute& attribute : member->properties.overallAttributes)
+    for (const OverallAttribute& attribute : batch.firstMember->overallAttributes)
     {
         const GLint location = program.getAttribLocation(attribute.name);
         if (location >= 0)
@@ -230,16 +228,11 @@ void RendererGL41::drawMerged(const Batch& batch)
 
 void RendererGL41::drawRanges(const Batch& batch)
 {
-    if (batch.drawProperties.empty())
+    if (!batch.firstMember)
     {
         return;
     }
-    const DrawPropertiesGL* member = find(m_tables.drawProperties, batch.drawProperties.front());
-    if (member == nullptr)
-    {
-        return;
-    }
-    const std::vector<DrawRange>& ranges = member->properties.ranges;
+    const std::vector<DrawRange>& ranges = batch.firstMember->ranges;
     const size_t rangeCount = std::min(ranges.size(), batch.indexBuffers.size());
     for (size_t i = 0; i < rangeCount; ++i)
     {

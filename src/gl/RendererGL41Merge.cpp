@@ -20,10 +20,43 @@ namespace
 
 constexpr uint32_t drawIndexSlot = 13;
 constexpr uint32_t mapForWriting = 1;
+constexpr size_t knownPrimitiveTypes = 11;
 
 uint32_t elementSize(const VertexBufferProperties& properties)
 {
     return properties.componentCount * properties.dataType.getSize();
+}
+
+/// Null when the ranges can go into multi-draws, one a primitive type.
+const char* findReasonAgainstMergingRanges(const std::vector<DrawRange>& ranges)
+{
+    if (ranges.size() <= 1)
+    {
+        return "its one geometry has at most one range";
+    }
+    std::array<const DrawRange*, knownPrimitiveTypes> firstOfType{};
+    for (const DrawRange& range : ranges)
+    {
+        if (static_cast<uint32_t>(range.instanceCount) > 1)
+        {
+            return "a range of its one geometry is instanced";
+        }
+        if (range.primitive >= firstOfType.size())
+        {
+            return "a range of its one geometry has an unknown primitive type";
+        }
+        const DrawRange*& first = firstOfType[range.primitive];
+        if (first == nullptr)
+        {
+            first = &range;
+        }
+        else if (range.primitiveRestart != first->primitiveRestart ||
+                 range.primitiveRestartValue != first->primitiveRestartValue)
+        {
+            return "ranges of one primitive type differ in their primitive restart";
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -44,45 +77,45 @@ bool RendererGL41::canMerge(const DrawGL& draw) const
     {
         return draw.batches.front()->built;
     }
+    return findReasonAgainstMerging(draw) == nullptr;
+}
+
+/// Null when the draw can be merged, whatever its batches are now.
+const char* RendererGL41::findReasonAgainstMerging(const DrawGL& draw) const
+{
     // Several members are merged whatever the setting says, and whatever their ranges ask for.
     if (draw.drawProperties.size() > 1)
     {
-        return true;
+        return nullptr;
     }
     static const bool s_enableMerging = SoPreferences::getBool("KVR_RENDERENGINE_ENABLE_PRIMITIVES_MERGING", true);
     if (!s_enableMerging)
     {
-        return false;
+        return "the merging of its ranges is switched off";
     }
     const DrawPropertiesGL* member = find(m_tables.drawProperties, draw.drawProperties.front());
-    return member != nullptr && canMergeRanges(member->properties.ranges);
+    return member != nullptr ? findReasonAgainstMergingRanges(member->properties->ranges) : "its geometry is gone";
 }
 
-bool RendererGL41::canMergeRanges(const std::vector<DrawRange>& ranges)
+void RendererGL41::explainMerging(const DrawHandle& handle, const DrawGL& draw, bool mergeable) const
 {
-    if (ranges.size() <= 1)
+    if (!mergeable)
     {
-        return false;
+        spdlog::info("Merging: draw {} is not merged: {}", handle.id, findReasonAgainstMerging(draw));
+        return;
     }
-    std::array<const DrawRange*, primitiveTypeCount> firstOfType{};
-    for (const DrawRange& range : ranges)
+    size_t rangeCount = 0;
+    size_t callCount = 0;
+    for (const std::unique_ptr<Batch>& batch : draw.batches)
     {
-        if (static_cast<uint32_t>(range.instanceCount) > 1 || range.primitive >= primitiveTypeCount)
+        callCount += batch->mergedDraws.size();
+        for (const MergedDraw& mergedDraw : batch->mergedDraws)
         {
-            return false;
-        }
-        const DrawRange*& first = firstOfType[range.primitive];
-        if (first == nullptr)
-        {
-            first = &range;
-        }
-        else if (range.primitiveRestart != first->primitiveRestart ||
-                 range.primitiveRestartValue != first->primitiveRestartValue)
-        {
-            return false;
+            rangeCount += mergedDraw.count.size();
         }
     }
-    return true;
+    spdlog::info("Merging: draw {} is merged: {} geometries with {} ranges in {} batches with {} draw calls", handle.id,
+                 draw.drawProperties.size(), rangeCount, draw.batches.size(), callCount);
 }
 
 void RendererGL41::releaseBatches(DrawGL& draw)
@@ -149,13 +182,13 @@ void RendererGL41::buildPlainBatch(DrawGL& draw)
     draw.batches.clear();
     appendWholeDraw(draw);
     Batch& batch = *draw.batches.back();
-    const DrawPropertiesGL* member = find(m_tables.drawProperties, draw.drawProperties.front());
-    if (member == nullptr)
+    holdFirstMember(batch);
+    if (!batch.firstMember)
     {
         return;
     }
-    batch.vertexBuffers = member->properties.vertexBuffers;
-    for (const DrawRange& range : member->properties.ranges)
+    batch.vertexBuffers = batch.firstMember->vertexBuffers;
+    for (const DrawRange& range : batch.firstMember->ranges)
     {
         const uint32_t sequenceCount = static_cast<uint32_t>(range.indexOffset) + static_cast<uint32_t>(range.count);
         batch.indexBuffers.push_back(range.indexBuffer.isValid() ? range.indexBuffer
@@ -163,17 +196,24 @@ void RendererGL41::buildPlainBatch(DrawGL& draw)
     }
 }
 
+void RendererGL41::holdFirstMember(Batch& batch) const
+{
+    const DrawPropertiesGL* member = find(m_tables.drawProperties, batch.drawProperties.front());
+    batch.firstMember = member != nullptr ? member->properties : nullptr;
+}
+
 void RendererGL41::buildMergedBatch(Batch& batch)
 {
+    holdFirstMember(batch);
     batch.merged = batch.drawProperties.size() > 1;
     if (batch.merged)
     {
         mergeVertexBuffers(batch);
         mergeOverallAttributes(batch);
     }
-    else if (const DrawPropertiesGL* member = find(m_tables.drawProperties, batch.drawProperties.front()))
+    else if (batch.firstMember)
     {
-        batch.vertexBuffers = member->properties.vertexBuffers;
+        batch.vertexBuffers = batch.firstMember->vertexBuffers;
     }
     mergeIndexBuffers(batch);
     batch.built = true;
@@ -187,7 +227,7 @@ std::vector<const DrawProperties*> RendererGL41::getMembers(const Batch& batch) 
     {
         if (const DrawPropertiesGL* member = find(m_tables.drawProperties, handle))
         {
-            members.push_back(&member->properties);
+            members.push_back(member->properties.get());
         }
     }
     return members;

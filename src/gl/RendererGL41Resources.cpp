@@ -95,7 +95,8 @@ void RendererGL41::execute(CommandCreateDrawProperties& command)
 {
     if (command.handle.isValid())
     {
-        createResource(m_tables.drawProperties, command.handle).properties = command.properties;
+        createResource(m_tables.drawProperties, command.handle).properties =
+            std::make_shared<const DrawProperties>(command.properties);
     }
 }
 
@@ -104,7 +105,7 @@ void RendererGL41::execute(CommandUpdateDrawProperties& command)
     if (DrawPropertiesGL* drawProperties = findOrReport(m_tables.drawProperties, command.handle,
                                                         "[RendererGL] Trying to update invalid draw properties."))
     {
-        drawProperties->properties = command.properties;
+        drawProperties->properties = std::make_shared<const DrawProperties>(command.properties);
         invalidateBatches(*drawProperties);
     }
 }

@@ -121,11 +121,11 @@ ShaderBufferHandle RendererGL46::getSlotBuffer(const DrawPropertiesHandle& membe
 {
     // Position 0 is the member's own business; transforms and materials follow.
     const DrawPropertiesGL* drawProperties = find(m_tables.drawProperties, member);
-    if (drawProperties == nullptr || slot + 1 >= drawProperties->properties.shaderBuffers.size())
+    if (drawProperties == nullptr || slot + 1 >= drawProperties->properties->shaderBuffers.size())
     {
         return ShaderBufferHandle();
     }
-    return drawProperties->properties.shaderBuffers[slot + 1];
+    return drawProperties->properties->shaderBuffers[slot + 1];
 }
 
 uint64_t RendererGL46::getSlotBufferSize(const DrawPropertiesHandle& member, size_t slot) const
@@ -191,6 +191,12 @@ bool RendererGL46::fitsOneBatch(const DrawGL& draw) const
 
 bool RendererGL46::isFull(const Batch& batch) const
 {
+    // A block that is larger than a uniform block may be leaves room for no entry at all: each member then stands
+    // alone.
+    if (batch.drawProperties.empty())
+    {
+        return false;
+    }
     const auto maxEntries = static_cast<size_t>(m_maxMergedEntries);
     return batch.drawProperties.size() >= static_cast<size_t>(m_maxDrawsPerBatch) ||
            batch.shaderBufferIndices[0].size() >= maxEntries || batch.shaderBufferIndices[1].size() >= maxEntries;

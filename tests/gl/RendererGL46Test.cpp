@@ -195,6 +195,19 @@ TEST_F(RendererGL46Test, AsManyMembersAsFitStayInOneBatch)
     EXPECT_EQ(gl.callsMatching("glUniform1i(1"), (Texts{"glUniform1i(1, 1)", "glUniform1i(1, 0)"}));
 }
 
+TEST_F(RendererGL46Test, BlocksThatExceedAUniformBlockLeaveEachMemberInABatchOfItsOwn)
+{
+    beginWithBlockSize(32);
+    Scene scene = makeScene();
+    const DrawHandle draw = makeMergedDraw(
+        scene, {{block("Transform", 1), block("Material", 2)}, {block("Transform", 3), block("Material", 4)}});
+    gl.clear();
+    run<CommandRender>(draw);
+    EXPECT_EQ(gl.callsMatching("glUniform1i(1"), (Texts{"glUniform1i(1, 0)", "glUniform1i(1, 0)"}));
+    EXPECT_EQ(gl.callsMatching("glMultiDraw"),
+              (Texts(2, "glMultiDrawElementsBaseVertex(GL_TRIANGLES, {3}, GL_UNSIGNED_INT, {null}, 1, {0})")));
+}
+
 TEST_F(RendererGL46Test, EachBatchNumbersItsOwnMembersAndBlocks)
 {
     beginWithBlockSize(128); // two blocks of 64

@@ -332,6 +332,33 @@ TEST_F(RendererGL41MergeTest, OnlyTheFirstMembersShaderBuffersAreSeen)
               (Texts{"glBindBufferBase(GL_UNIFORM_BUFFER, 0, 3)", "glBindBufferBase(GL_UNIFORM_BUFFER, 1, 4)"}));
 }
 
+TEST_F(RendererGL41MergeTest, RemovedAndDestroyedFirstMemberIsDrawnWithItsOwnShaderBuffersUntilTheRebuild)
+{
+    Scene scene = makeScene();
+    scene.properties.shaderBuffers = {makeShaderBuffer("Scene")};
+    DrawPropertiesHandle first = makeMember(scene.properties);
+    scene.properties.shaderBuffers = {makeShaderBuffer("Scene")};
+    const DrawPropertiesHandle second = makeMember(scene.properties);
+    const DrawHandle draw = makeDraw(scene, {first, second});
+    callsOf<CommandRender>(draw);
+    const Texts steady = callsOf<CommandRender>(draw);
+    run<CommandRemoveDrawProperties>(draw, first);
+    run<CommandDestroyDrawProperties>(first);
+    EXPECT_EQ(callsOf<CommandRender>(draw), steady);
+
+    // The number comes back for a member of another draw, whose buffers are not this draw's business.
+    scene.properties.shaderBuffers = {makeShaderBuffer("Scene"), makeShaderBuffer("Transform")};
+    EXPECT_EQ(makeMember(scene.properties), first);
+    EXPECT_EQ(callsOf<CommandRender>(draw), steady);
+
+    BufferProperties properties;
+    properties.size = 36;
+    run<CommandUpdateBuffer>(BufferHandle(0), properties);
+    gl.clear();
+    run<CommandRender>(draw);
+    EXPECT_EQ(gl.callsMatching("glBindBufferBase("), Texts{"glBindBufferBase(GL_UNIFORM_BUFFER, 0, 4)"});
+}
+
 TEST_F(RendererGL41MergeTest, NothingIsLeftOfMergingAfterDestroy)
 {
     const Scene scene = makeScene();
