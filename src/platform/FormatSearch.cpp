@@ -289,7 +289,8 @@ PIXELFORMATDESCRIPTOR Format::buildDescriptor() const
     wanted.bReserved = m_overlay ? 1 : 0;
     wanted.cDepthBits = bits(m_depth, m_depthBits);
     wanted.iPixelType = m_rgb ? PFD_TYPE_RGBA : PFD_TYPE_COLORINDEX;
-    wanted.cStencilBits = bits(m_stencilBuffer, m_stencilBufferBits);
+    // Depth and alpha can be switched off here, stencil cannot: only the WGL query leaves it out.
+    wanted.cStencilBits = bits(true, m_stencilBufferBits);
     wanted.cRedBits = bits(true, m_redBits);
     wanted.cGreenBits = bits(true, m_greenBits);
     wanted.cBlueBits = bits(true, m_blueBits);

@@ -3,9 +3,9 @@
 #include "context/ContextProbe.h"
 #include "gl/RendererGL41.h"
 #include "gl/RendererGL46.h"
-#include "renderer/LogCapture.h"
 #include "renderer/RendererLog.h"
 #include "renderer/RendererNull.h"
+#include "support/LogLines.h"
 #include "support/ScriptedPlatform.h"
 
 #include <renderengine/GLUtils.h>
@@ -25,8 +25,9 @@ namespace
 {
 
 using glbinding::RecordingGL;
-using ::testing::HasSubstr;
-using testing::LogCapture;
+using ::testing::ElementsAre;
+using testing::LogLines;
+using ::testing::StartsWith;
 using Calls = std::vector<std::string>;
 
 /// Sets a preference for the length of a test.
@@ -143,7 +144,7 @@ TEST(ContextGLCore, AsksForVersionAndProfileAndFallsBackTo41)
     platform.highestVersion = 410;
     RecordingGL gl;
     gl.setVersion(4, 1);
-    LogCapture log;
+    LogLines log;
     ContextGL context(ContextDebug);
     context.init();
     ASSERT_EQ(platform.contextRequests().size(), 2u);
@@ -155,7 +156,10 @@ TEST(ContextGLCore, AsksForVersionAndProfileAndFallsBackTo41)
               (std::vector<int>{WGL_CONTEXT_MAJOR_VERSION_ARB, 4, WGL_CONTEXT_MINOR_VERSION_ARB, 1,
                                 WGL_CONTEXT_PROFILE_MASK_ARB, WGL_CONTEXT_CORE_PROFILE_BIT_ARB, WGL_CONTEXT_FLAGS_ARB,
                                 WGL_CONTEXT_DEBUG_BIT_ARB}));
-    EXPECT_THAT(log.take(), HasSubstr("wglCreateContextAttribsARB (error 2000"));
+    EXPECT_EQ(
+        log.take(),
+        Calls{
+            "error: renderengine::utils::GL::createContext wglCreateContextAttribsARB (error 2000: scripted failure"});
     EXPECT_EQ(context.getContextInfo().version, 410);
 }
 
@@ -163,7 +167,7 @@ TEST(ContextGL, ThrowsWhenNoContextCanBeMade)
 {
     ScriptedPlatform platform;
     platform.failCreateContextAttribs = true;
-    LogCapture log;
+    LogLines log;
     ContextGL context(0);
     try
     {
@@ -186,6 +190,19 @@ TEST(ContextGL, FailureOfTheWindowPassesThroughInit)
     ContextGL context(0);
     EXPECT_THROW(context.init(), std::runtime_error);
     EXPECT_EQ(context.getRenderer(), nullptr);
+    EXPECT_THROW(context.getContextInfo(), std::runtime_error);
+}
+
+TEST(ContextGL, InfoBeforeInitIsProbedAtEachCall)
+{
+    ScriptedPlatform platform;
+    RecordingGL gl;
+    ContextGL context(0);
+    gl.setVersion(4, 5);
+    EXPECT_EQ(context.getContextInfo().version, 450);
+    gl.setVersion(4, 2);
+    EXPECT_EQ(context.getContextInfo().version, 420);
+    EXPECT_EQ(platform.callsMatching("CreateWindowExA").size(), 2u);
 }
 
 TEST(ContextGL, InfoBeforeInitMakesAndDestroysAWholeContext)
@@ -265,12 +282,36 @@ TEST(ContextGL, MakeCurrentThatFailsSaysSo)
 {
     ScriptedPlatform platform;
     RecordingGL gl;
-    LogCapture log;
+    LogLines log;
     ContextGL context(0);
     context.init();
     platform.failingBinds = 5;
     EXPECT_FALSE(context.makeCurrent());
-    EXPECT_THAT(log.take(), HasSubstr("renderengine::utils::GL::makeCurrent Thread "));
+    EXPECT_THAT(log.take(), ElementsAre(StartsWith("error: renderengine::utils::GL::makeCurrent Thread ")));
+}
+
+TEST(ContextGL, BesideARenderThreadTheHostIsNeitherSavedNorPutBack)
+{
+    ScriptedPlatform platform;
+    RecordingGL gl;
+    ContextGL context(ContextMultithread | ContextShare);
+    context.init();
+    ASSERT_TRUE(context.isRenderThreaded());
+    context.executeResourceCommands();
+    platform.makeHostContextCurrent(platform.makeHostDisplay());
+    platform.takeCalls();
+    EXPECT_TRUE(context.makeCurrent());
+    context.doneCurrent();
+    EXPECT_EQ(platform.takeCalls(), (Calls{"wglMakeCurrent(display1, context2)", "wglMakeCurrent(display1, null)"}));
+}
+
+TEST(ContextGL, InitGoesOnWithADeviceThatIsTooOld)
+{
+    ScriptedPlatform platform;
+    LogLines log;
+    EXPECT_EQ(rendererOf(3, 3), "GL41");
+    EXPECT_EQ(log.take(), Calls{"error: Kavelor 10 requires at least OpenGL 4.1 support while this device only "
+                                "supports OpenGL version 3.3"});
 }
 
 TEST(ContextGL, ChoosesTheRendererByVersion)
@@ -302,20 +343,20 @@ TEST(ContextGL, ChoosesTheRendererBySettingWithoutRegardToCase)
 TEST(ContextGL, UnknownRendererIsWarnedAboutAndBecomesGL)
 {
     ScriptedPlatform platform;
-    LogCapture log;
+    LogLines log;
     const Preference setting("KVR_RENDERENGINE_RENDERER", "gl46");
     EXPECT_EQ(rendererOf(4, 2), "GL41");
-    EXPECT_EQ(log.take(), "Unknown render engine GL46, falling back to GL.\n");
+    EXPECT_EQ(log.take(), Calls{"warning: Unknown render engine GL46, falling back to GL."});
 }
 
 TEST(ContextGL, KnownRenderersAreNotWarnedAbout)
 {
     ScriptedPlatform platform;
-    LogCapture log;
+    LogLines log;
     rendererOf(4, 6);
     const Preference setting("KVR_RENDERENGINE_RENDERER", "GL41");
     rendererOf(4, 6);
-    EXPECT_EQ(log.take(), "");
+    EXPECT_EQ(log.take(), Calls{});
 }
 
 TEST(ContextGL, EachThreadHasABindingObjectOfItsOwn)
@@ -378,6 +419,8 @@ TEST(ContextProbe, WritesLimitsAndFixedFigures)
     gl.answer(GL_MAX_3D_TEXTURE_SIZE, std::int64_t{300});
     gl.answer(GL_MAX_VERTEX_ATTRIBS, std::int64_t{17});
     gl.answer(GL_MAX_UNIFORM_BLOCK_SIZE, std::int64_t{65536});
+    gl.answer(GL_MAX_COMPUTE_WORK_GROUP_COUNT, std::vector<std::int64_t>{7, 8, 9});
+    gl.answer(GL_MAX_COMPUTE_WORK_GROUP_SIZE, std::vector<std::int64_t>{64, 32, 16});
     gl.answer(GL_MAX_COMPUTE_WORK_GROUP_INVOCATIONS, std::int64_t{512});
     gl.answer(GL_MAX_TEXTURE_COORDS, std::int64_t{99});
     const ContextInfo info = probeCurrentContext();
@@ -389,6 +432,8 @@ TEST(ContextProbe, WritesLimitsAndFixedFigures)
     EXPECT_EQ(info.max3DTextureSize, 300);
     EXPECT_EQ(info.maxVertexAttribs, 17);
     EXPECT_EQ(info.maxUniformBlockSize, 65536);
+    EXPECT_EQ(info.maxComputeWorkGroupCount, SbVec3i32(7, 8, 9));
+    EXPECT_EQ(info.maxComputeWorkGroupSize, SbVec3i32(64, 32, 16));
     EXPECT_EQ(info.maxComputeWorkGroupInvocations, 512);
     EXPECT_EQ(info.maxConstant32, 32);
     EXPECT_EQ(info.maxConstantFour, 4);
@@ -407,7 +452,7 @@ TEST(ContextProbe, SettingGL41MakesA46DriverA41One)
     RecordingGL gl;
     gl.setVersion(4, 6);
     gl.setExtensions({"GL_ARB_shader_image_load_store"});
-    LogCapture log;
+    LogLines log;
     const ContextInfo info = probeCurrentContext();
     EXPECT_EQ(info.version, 410);
     EXPECT_EQ(info.isVersion46, 0);
@@ -416,7 +461,7 @@ TEST(ContextProbe, SettingGL41MakesA46DriverA41One)
     EXPECT_EQ(info.hasAtomicCounters, 0);
     EXPECT_EQ(info.hasImageLoadStore, 1);
     EXPECT_EQ(info.hasShadingLanguage420Pack, 0);
-    EXPECT_EQ(log.take(), "");
+    EXPECT_EQ(log.take(), Calls{});
 }
 
 TEST(ContextProbe, VersionBelow41IsLoggedAndTheRunGoesOn)
@@ -424,10 +469,10 @@ TEST(ContextProbe, VersionBelow41IsLoggedAndTheRunGoesOn)
     RecordingGL gl;
     gl.setVersion(3, 3);
     gl.setExtensions({"GL_ARB_gpu_shader_fp64"});
-    LogCapture log;
+    LogLines log;
     const ContextInfo info = probeCurrentContext();
-    EXPECT_EQ(log.take(), "Kavelor 10 requires at least OpenGL 4.1 support while this device only supports OpenGL "
-                          "version 3.3\n");
+    EXPECT_EQ(log.take(), Calls{"error: Kavelor 10 requires at least OpenGL 4.1 support while this device only "
+                                "supports OpenGL version 3.3"});
     EXPECT_EQ(info.version, 330);
     EXPECT_EQ(info.hasDoublePrecision, 1);
     EXPECT_EQ(info.maxConstant32, 32);

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace renderengine
 {
 namespace
@@ -223,6 +225,101 @@ TEST(FormatSearch, NoAcceleratedFormatEndsTheSearch)
     DebugErrors errors;
     EXPECT_FALSE(Format(platform.display).isAvailable());
     EXPECT_EQ(errors.messages(), Calls{"error Format: OpenGL acceleration not available on this device!"});
+}
+
+TEST(FormatSearch, AsksForColorIndicesWithoutRgb)
+{
+    HostPlatform platform;
+    Format format(platform.display);
+    format.setRgbEnabled(false);
+    // The type of the pixels goes before their components.
+    format.setFloatColorBufferEnabled(true);
+    format.isAvailable();
+    ASSERT_FALSE(platform.attributeLists().empty());
+    const std::vector<int>& list = platform.attributeLists().front();
+    const auto type = std::find(list.begin(), list.end(), WGL_PIXEL_TYPE_ARB);
+    ASSERT_NE(type, list.end());
+    EXPECT_EQ(type[1], WGL_TYPE_COLORINDEX_ARB);
+}
+
+TEST(FormatSearch, AsksForGDIFromVistaOnWhenCompositionIsNotRequired)
+{
+    const auto asksForGDI = [](int majorVersion, bool composition)
+    {
+        HostPlatform platform;
+        platform.majorVersion = majorVersion;
+        Format format(platform.display);
+        format.setGDISupportRequired(true);
+        format.setCompositionRequired(composition);
+        format.isAvailable();
+        const std::vector<int>& list = platform.attributeLists().front();
+        return std::find(list.begin(), list.end(), WGL_SUPPORT_GDI_ARB) != list.end();
+    };
+    EXPECT_TRUE(asksForGDI(6, false));
+    EXPECT_FALSE(asksForGDI(6, true));
+    EXPECT_FALSE(asksForGDI(5, false));
+}
+
+TEST(FormatSearch, NearestLeavesTheFormatAsItIs)
+{
+    ScriptedPlatform platform;
+    platform.formats[0].descriptor.cDepthBits = 16;
+    const Format format(platform.makeHostDisplay(0));
+    EXPECT_EQ(format.getNearest().getDepthBits(), 16);
+    EXPECT_EQ(format.getDepthBits(), 24);
+    EXPECT_EQ(format.getVisualInfo(), nullptr);
+    EXPECT_EQ(format.getVisualInfoId(), 0);
+}
+
+TEST(FormatSearch, ClassicDescriptorHasTheDefaultWishes)
+{
+    ScriptedPlatform platform;
+    EXPECT_TRUE(Format(platform.makeHostDisplay(0)).isAvailable());
+    ASSERT_EQ(platform.wantedDescriptors().size(), 1u);
+    const PIXELFORMATDESCRIPTOR& wanted = platform.wantedDescriptors()[0];
+    EXPECT_EQ(wanted.nSize, 40);
+    EXPECT_EQ(wanted.nVersion, 1);
+    EXPECT_EQ(wanted.dwFlags, PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER | PFD_SUPPORT_COMPOSITION);
+    EXPECT_EQ(wanted.iPixelType, PFD_TYPE_RGBA);
+    EXPECT_EQ(wanted.iLayerType, 0);
+    EXPECT_EQ(wanted.bReserved, 0);
+    EXPECT_EQ(wanted.cRedBits, 8);
+    EXPECT_EQ(wanted.cGreenBits, 8);
+    EXPECT_EQ(wanted.cBlueBits, 8);
+    EXPECT_EQ(wanted.cAlphaBits, 8);
+    EXPECT_EQ(wanted.cDepthBits, 24);
+    EXPECT_EQ(wanted.cStencilBits, 8);
+    EXPECT_EQ(wanted.cColorBits, 0);
+    EXPECT_EQ(wanted.cAccumBits, 0);
+}
+
+TEST(FormatSearch, ClassicDescriptorHasAllWishes)
+{
+    ScriptedPlatform platform;
+    Format format(platform.makeHostDisplay(0));
+    format.setDoubleBuffersEnabled(false);
+    format.setStereoEnabled(true);
+    format.setOverlayEnabled(true);
+    format.setDepthEnabled(false);
+    format.setAlphaEnabled(false);
+    format.setStencilBufferEnabled(false);
+    format.setRgbEnabled(false);
+    format.setGreenBits(6);
+    format.setGDISupportRequired(true);
+    format.isAvailable();
+    platform.majorVersion = 5;
+    format.isAvailable();
+    ASSERT_EQ(platform.wantedDescriptors().size(), 2u);
+    const PIXELFORMATDESCRIPTOR& wanted = platform.wantedDescriptors()[0];
+    EXPECT_EQ(wanted.dwFlags, PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_STEREO | PFD_SUPPORT_GDI);
+    EXPECT_EQ(wanted.iPixelType, PFD_TYPE_COLORINDEX);
+    EXPECT_EQ(wanted.bReserved, 1);
+    EXPECT_EQ(wanted.cGreenBits, 6);
+    EXPECT_EQ(wanted.cAlphaBits, 0);
+    EXPECT_EQ(wanted.cDepthBits, 0);
+    // The switch of the stencil buffer is one of the query alone.
+    EXPECT_EQ(wanted.cStencilBits, 8);
+    EXPECT_EQ(platform.wantedDescriptors()[1].dwFlags, PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_STEREO);
 }
 
 TEST(FormatSearch, ClassicSearchWithTooFewDepthBitsIsNotExact)

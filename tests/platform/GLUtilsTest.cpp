@@ -1,5 +1,5 @@
 #include "platform/PlatformLayer.h"
-#include "renderer/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/ScriptedPlatform.h"
 
 #include <renderengine/ClearTargetProperties.h>
@@ -10,7 +10,14 @@
 #include <glbinding/RecordingGL.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <kavelor/SoError.h>
 #include <kavelor/SoPreferences.h>
+
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace renderengine
 {
@@ -18,16 +25,15 @@ namespace
 {
 
 using glbinding::RecordingGL;
-using ::testing::EndsWith;
-using ::testing::HasSubstr;
-using testing::LogCapture;
+using ::testing::Contains;
+using testing::LogLines;
 using ::testing::StartsWith;
 using Calls = std::vector<std::string>;
 
 TEST(GLUtils, MakeCurrentThatSucceedsAtTheFifthTrySaysNothing)
 {
     ScriptedPlatform platform;
-    LogCapture log;
+    LogLines log;
     HDC display = platform.makeHostDisplay();
     HGLRC context = platform.createContext(display);
     platform.takeCalls();
@@ -35,59 +41,73 @@ TEST(GLUtils, MakeCurrentThatSucceedsAtTheFifthTrySaysNothing)
     EXPECT_TRUE(utils::GL::makeCurrent(display, 0, context));
     EXPECT_EQ(platform.takeCalls(), Calls(5, "wglMakeCurrent(hostDisplay, context1)"));
     EXPECT_EQ(utils::GL::getCurrentContext(), context);
-    EXPECT_EQ(log.take(), "");
+    EXPECT_EQ(log.take(), Calls{});
 }
 
 TEST(GLUtils, MakeCurrentGivesUpAfterFiveTries)
 {
     ScriptedPlatform platform;
-    LogCapture log;
+    LogLines log;
     HDC display = platform.makeHostDisplay();
     HGLRC context = platform.createContext(display);
     platform.takeCalls();
     platform.failingBinds = 5;
     EXPECT_FALSE(utils::GL::makeCurrent(display, 0, context));
     EXPECT_EQ(platform.calls().size(), 5u);
-    const std::string line = log.take();
-    EXPECT_THAT(line, StartsWith("renderengine::utils::GL::makeCurrent Thread "));
-    EXPECT_THAT(line, HasSubstr(" Context 0x"));
-    EXPECT_THAT(line, HasSubstr(" Display 0x"));
+    std::ostringstream line;
     // The parenthesis stays open.
-    EXPECT_THAT(line, EndsWith(" (error 2000: scripted failure\n"));
+    line << "error: renderengine::utils::GL::makeCurrent Thread " << std::this_thread::get_id() << " Context "
+         << static_cast<const void*>(context) << " Display " << static_cast<const void*>(display)
+         << " (error 2000: scripted failure";
+    EXPECT_EQ(log.take(), Calls{line.str()});
+    EXPECT_EQ(utils::GL::getCurrentContext(), nullptr);
 }
 
 TEST(GLUtils, ErrorWithoutATextIsUnknown)
 {
     ScriptedPlatform platform;
     platform.errorMessage = "";
-    LogCapture log;
+    LogLines log;
     EXPECT_FALSE(utils::GL::destroyContext(nullptr, nullptr));
-    EXPECT_EQ(log.take(), "renderengine::utils::GL::destroyContext wglDeleteContext (error 2000: <unknown>\n");
+    EXPECT_EQ(log.take(),
+              Calls{"error: renderengine::utils::GL::destroyContext wglDeleteContext (error 2000: <unknown>"});
 }
 
 TEST(GLUtils, DestroyContextOfNullReportsWithoutADelete)
 {
     ScriptedPlatform platform;
-    LogCapture log;
+    LogLines log;
     EXPECT_FALSE(utils::GL::destroyContext(platform.makeHostDisplay(), nullptr));
-    EXPECT_EQ(log.take(), "renderengine::utils::GL::destroyContext wglDeleteContext (error 2000: scripted failure\n");
+    EXPECT_EQ(log.take(),
+              Calls{"error: renderengine::utils::GL::destroyContext wglDeleteContext (error 2000: scripted failure"});
     EXPECT_EQ(platform.takeCalls(), Calls{});
+}
+
+TEST(GLUtils, DestroyContextOfNullDropsTheTablesKeptWithoutAContext)
+{
+    ScriptedPlatform platform;
+    LogLines log;
+    glewGetContext()->majorVersion = 99;
+    EXPECT_EQ(glewGetContext()->majorVersion, 99);
+    EXPECT_FALSE(utils::GL::destroyContext(nullptr, nullptr));
+    EXPECT_EQ(glewGetContext()->majorVersion, 0);
 }
 
 TEST(GLUtils, DestroyContextReportsARefusal)
 {
     ScriptedPlatform platform;
     platform.failDeleteContext = true;
-    LogCapture log;
+    LogLines log;
     HGLRC context = platform.createContext(platform.makeHostDisplay());
     EXPECT_FALSE(utils::GL::destroyContext(nullptr, context));
-    EXPECT_THAT(log.take(), StartsWith("renderengine::utils::GL::destroyContext wglDeleteContext (error 2000"));
+    EXPECT_EQ(log.take(),
+              Calls{"error: renderengine::utils::GL::destroyContext wglDeleteContext (error 2000: scripted failure"});
 }
 
 TEST(GLUtils, CreatesAFakeContextForTheLookupWhenNoneIsCurrent)
 {
     ScriptedPlatform platform;
-    LogCapture log;
+    LogLines log;
     HDC display = platform.makeHostDisplay();
     HGLRC context = utils::GL::createContextAttribs(display, nullptr, nullptr, true, {});
     EXPECT_EQ(platform.nameOf(context), "context2");
@@ -97,7 +117,7 @@ TEST(GLUtils, CreatesAFakeContextForTheLookupWhenNoneIsCurrent)
                      "wglDeleteContext(context1)", "wglCreateContextAttribsARB(hostDisplay, null) -> context2",
                      "wglMakeCurrent(hostDisplay, context2)", "wglMakeCurrent(null, null)"}));
     EXPECT_FALSE(platform.contextRequests().front().hasAttributes);
-    EXPECT_EQ(log.take(), "");
+    EXPECT_EQ(log.take(), Calls{});
 
     // The second context needs no look-up.
     utils::GL::createContextAttribs(display, nullptr, context, true, {WGL_CONTEXT_FLAGS_ARB, 1, 0});
@@ -123,36 +143,37 @@ TEST(GLUtils, DriverWithoutContextAttribsGetsOneLookup)
 {
     ScriptedPlatform platform;
     platform.hasCreateContextAttribs = false;
-    LogCapture log;
+    LogLines log;
     HDC display = platform.makeHostDisplay();
     EXPECT_EQ(utils::GL::createContextAttribs(display, nullptr, nullptr, true, {}), nullptr);
-    EXPECT_EQ(log.take(), "renderengine::utils::GL::createContext: wglCreateContextAttribsARB cannot be resolved\n");
+    EXPECT_EQ(log.take(),
+              Calls{"error: renderengine::utils::GL::createContext: wglCreateContextAttribsARB cannot be resolved"});
     EXPECT_EQ(platform.callsMatching("wglGetProcAddress").size(), 1u);
     EXPECT_EQ(platform.liveContexts(), 0u);
     platform.takeCalls();
     EXPECT_EQ(utils::GL::createContextAttribs(display, nullptr, nullptr, true, {}), nullptr);
     EXPECT_EQ(platform.takeCalls(), Calls{});
-    EXPECT_EQ(log.take(), "");
+    EXPECT_EQ(log.take(), Calls{});
 }
 
 TEST(GLUtils, FakeContextThatCannotBeCreatedIsLogged)
 {
     ScriptedPlatform platform;
     platform.failCreateContext = true;
-    LogCapture log;
+    LogLines log;
     EXPECT_EQ(utils::GL::createContextAttribs(platform.makeHostDisplay(), nullptr, nullptr, true, {}), nullptr);
-    EXPECT_EQ(log.take(), "Can't create context\n");
+    EXPECT_EQ(log.take(), Calls{"error: Can't create context"});
     EXPECT_EQ(utils::GL::createContextAttribs(platform.makeHostDisplay(), nullptr, nullptr, true, {}), nullptr);
-    EXPECT_EQ(log.take(), "");
+    EXPECT_EQ(log.take(), Calls{});
 }
 
 TEST(GLUtils, FakeContextThatCannotBeBoundIsDeletedAndLogged)
 {
     ScriptedPlatform platform;
     platform.failingBinds = 1;
-    LogCapture log;
+    LogLines log;
     EXPECT_EQ(utils::GL::createContextAttribs(platform.makeHostDisplay(), nullptr, nullptr, true, {}), nullptr);
-    EXPECT_EQ(log.take(), "Can't bind fake context\n");
+    EXPECT_EQ(log.take(), Calls{"error: Can't bind fake context"});
     EXPECT_EQ(platform.calls().back(), "wglDeleteContext(context1)");
     EXPECT_EQ(platform.liveContexts(), 0u);
 }
@@ -161,10 +182,12 @@ TEST(GLUtils, RefusedContextIsReportedUnderTheNameOfCreateContext)
 {
     ScriptedPlatform platform;
     platform.failCreateContextAttribs = true;
-    LogCapture log;
+    LogLines log;
     EXPECT_EQ(utils::GL::createContextAttribs(platform.makeHostDisplay(), nullptr, nullptr, true, {}), nullptr);
-    EXPECT_EQ(log.take(),
-              "renderengine::utils::GL::createContext wglCreateContextAttribsARB (error 2000: scripted failure\n");
+    EXPECT_EQ(
+        log.take(),
+        Calls{
+            "error: renderengine::utils::GL::createContext wglCreateContextAttribsARB (error 2000: scripted failure"});
 }
 
 TEST(GLUtils, CreateContextEndsItsListAtTheFirstEntry)
@@ -251,6 +274,62 @@ TEST(GLUtils, InitStartsTheBindingInAHiddenContext)
     finish();
 }
 
+TEST(GLUtils, InitSetsTheLogUpBeforeTheBinding)
+{
+    ScriptedPlatform platform;
+    platform.hasCreateContextAttribs = false;
+    std::vector<std::string> messages;
+    SoError::Handler former =
+        SoError::setHandler([&messages](const SbString& message) { messages.push_back(message.toStdString()); });
+    init();
+    SoError::setHandler(former);
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_THAT(messages[0],
+                StartsWith("RenderEngine: [error] renderengine::utils::GL::createContext: wglCreateContextAttribsARB "
+                           "cannot be resolved"));
+    EXPECT_THAT(messages[1], StartsWith("RenderEngine: [error] Can't create context"));
+    finish();
+}
+
+TEST(GLUtils, InitPassesOnThatThereIsNoWindow)
+{
+    ScriptedPlatform platform;
+    platform.failCreateWindow = true;
+    EXPECT_THROW(init(), std::runtime_error);
+    platform.failCreateWindow = false;
+    // The next call tries again.
+    platform.takeCalls();
+    init();
+    EXPECT_EQ(platform.callsMatching("CreateWindowExA").size(), 1u);
+    finish();
+}
+
+TEST(GLUtils, InitStartsTheBindingOnce)
+{
+    ScriptedPlatform platform;
+    RecordingGL gl;
+    platform.glFunction = [](const char* name) -> void*
+    {
+        const GLEWContextStruct& table = *RecordingGL::table();
+        const std::string wanted = name;
+        if (wanted == "glGetString")
+        {
+            return reinterpret_cast<void*>(table.kvr_common__glewGetString);
+        }
+        if (wanted == "glGetStringi")
+        {
+            return reinterpret_cast<void*>(table.kvr_common__glewGetStringi);
+        }
+        return wanted == "glGetIntegerv" ? reinterpret_cast<void*>(table.kvr_common__glewGetIntegerv) : nullptr;
+    };
+    init();
+    EXPECT_EQ(platform.callsMatching("CreateWindowExA").size(), 1u);
+    platform.takeCalls();
+    init();
+    EXPECT_EQ(platform.takeCalls(), Calls{});
+    finish();
+}
+
 TEST(GLUtils, InitWithACurrentContextMakesNone)
 {
     ScriptedPlatform platform;
@@ -266,18 +345,21 @@ TEST(GLUtils, FailedBindingStartIsTriedAgain)
     ScriptedPlatform platform;
     SoPreferences::setInt("KVR_RENDERENGINE_LOG_TYPE", 1);
     init();
-    LogCapture log;
+    LogLines log;
     // Without GL functions the binding finds no version: error 1.
     init();
-    EXPECT_EQ(log.take(), "Can't initialize context, glewInit failed with error: 1\n");
+    EXPECT_EQ(log.take(), Calls{"error: Can't initialize context, glewInit failed with error: 1"});
     platform.failCreateContextAttribs = true;
     init();
-    EXPECT_THAT(log.take(), EndsWith("Can't create context\n"));
+    EXPECT_EQ(
+        log.take(),
+        (Calls{"error: renderengine::utils::GL::createContext wglCreateContextAttribsARB (error 2000: scripted failure",
+               "error: Can't create context"}));
     platform.failCreateContextAttribs = false;
     platform.takeCalls();
     platform.failingBinds = 100;
     init();
-    EXPECT_THAT(log.take(), HasSubstr("Can't bind fake context\n"));
+    EXPECT_THAT(log.take(), Contains("error: Can't bind fake context"));
     EXPECT_EQ(platform.liveContexts(), 0u);
 }
 

@@ -2,8 +2,12 @@
 #include "platform/DebugErrors.h"
 #include "support/ScriptedPlatform.h"
 
-#include <gtest/gtest.h>
+#include <renderengine/WGLConstants.h>
 
+#include <gtest/gtest.h>
+#include <kavelor/SoPreferences.h>
+
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -103,6 +107,23 @@ TEST(RenderingWindow, ThrowsWithoutAPixelFormatAndReleasesTheWindow)
     EXPECT_EQ(platform.callsMatching("ChoosePixelFormat").size(), 4u);
     EXPECT_EQ(platform.liveWindows(), 0u);
     EXPECT_FALSE(platform.isClassRegistered());
+}
+
+TEST(RenderingWindow, TheFirstFallBackGivesUpDrawingWithGDI)
+{
+    SoPreferences::setBool("KVR_PFD_SUPPORT_GDI", true);
+    ScriptedPlatform platform;
+    EXPECT_EQ(failure(), "can't create visual for window");
+    platform.makeHostContextCurrent(platform.makeHostDisplay(1));
+    platform.takeCalls();
+    const RenderingWindow window(SbVec2i32(1, 1));
+    SoPreferences::unset("KVR_PFD_SUPPORT_GDI");
+    ASSERT_EQ(platform.attributeLists().size(), 2u);
+    const auto asksForGDI = [](const std::vector<int>& list)
+    { return std::find(list.begin(), list.end(), WGL_SUPPORT_GDI_ARB) != list.end(); };
+    EXPECT_TRUE(asksForGDI(platform.attributeLists()[0]));
+    EXPECT_FALSE(asksForGDI(platform.attributeLists()[1]));
+    EXPECT_EQ(platform.callsMatching("SetPixelFormat"), Calls{"SetPixelFormat(hostDisplay, 1)"});
 }
 
 TEST(RenderingWindow, ShallowDepthComesThroughTheSecondFallBackOnTheCurrentDisplay)

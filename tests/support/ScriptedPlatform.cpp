@@ -305,6 +305,7 @@ bool ScriptedPlatform::choosePixelFormatARB(HDC display, const int* attributes, 
 int ScriptedPlatform::choosePixelFormat(HDC display, const PIXELFORMATDESCRIPTOR& wanted)
 {
     log(fmt::format("ChoosePixelFormat({})", nameOf(display)));
+    m_wantedDescriptors.push_back(wanted);
     if (chooseResult < 1)
     {
         return chooseResult;

@@ -99,6 +99,8 @@ public:
     const std::vector<ContextRequest>& contextRequests() const { return m_contextRequests; }
     /// The integer lists that `wglChoosePixelFormatARB` got, without their ending zero.
     const std::vector<std::vector<int>>& attributeLists() const { return m_attributeLists; }
+    /// What `ChoosePixelFormat` was asked for, oldest first.
+    const std::vector<PIXELFORMATDESCRIPTOR>& wantedDescriptors() const { return m_wantedDescriptors; }
     size_t liveContexts() const { return m_contexts.size(); }
     size_t liveWindows() const { return m_windows.size(); }
     bool isClassRegistered() const { return m_isClassRegistered; }
@@ -162,6 +164,7 @@ private:
     std::vector<std::string> m_calls;
     std::vector<ContextRequest> m_contextRequests;
     std::vector<std::vector<int>> m_attributeLists;
+    std::vector<PIXELFORMATDESCRIPTOR> m_wantedDescriptors;
     std::set<HGLRC> m_contexts;
     std::map<HWND, Window> m_windows;
     bool m_isClassRegistered = false;
