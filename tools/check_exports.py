@@ -4,7 +4,9 @@
     check_exports.py LIBRARY
 
 Of the namespace renderengine the library exports the classes and functions that a header marks RENDERENGINE_API, all of
-them and nothing else. It imports no OpenGL function: those are reached through the current context's table.
+them and nothing else. It imports no OpenGL function: those are reached through the current context's table. LIBRARY is
+a shared object, or a DLL of Windows, which imports the few functions of WGL that no driver answers by name, and needs
+no other libraries than those of the system, of the compiler's run time and the base library.
 """
 
 import pathlib
@@ -37,10 +39,72 @@ def marked_names():
     return classes, functions
 
 
-def symbols(library, *options):
-    command = ["nm", "--dynamic", "--demangle", "--format=posix", *options, library]
-    lines = subprocess.run(command, capture_output=True, text=True, check=True).stdout.splitlines()
-    return [re.sub(r" [A-Za-z](?: [0-9a-f]+ ?[0-9a-f]*)?\s*$", "", line) for line in lines]
+# What the DLL may import of opengl32.dll: WGL's own functions, which exist without a context.
+WGL_IMPORTS = {"wglCreateContext", "wglDeleteContext", "wglGetCurrentContext", "wglGetCurrentDC", "wglGetProcAddress",
+               "wglMakeCurrent"}
+# Libraries that the DLL may need, in lower case.
+NEEDED_LIBRARIES = {"gdi32.dll", "kernel32.dll", "msvcrt.dll", "opengl32.dll", "user32.dll", "libgcc_s_seh-1.dll",
+                    "libstdc++-6.dll", "libwinpthread-1.dll", "libkavelorbase.dll"}
+
+
+def run(*command, text=None):
+    return subprocess.run(command, input=text, capture_output=True, text=True, check=True).stdout
+
+
+class SharedObject:
+    """What a shared object exports and imports, demangled."""
+
+    # Templates of the C++ library made for our types are weak there and belong to nobody.
+    exported_namespaces = {"std", "__gnu_cxx", "void", "bool"}
+
+    def __init__(self, library):
+        self.exported = self.symbols(library, "--defined-only")
+        self.imported = self.symbols(library, "--undefined-only")
+
+    @staticmethod
+    def symbols(library, option):
+        text = run("nm", "--dynamic", "--demangle", "--format=posix", option, library)
+        return [re.sub(r" [A-Za-z](?: [0-9a-f]+ ?[0-9a-f]*)?\s*$", "", line) for line in text.splitlines()]
+
+    def is_ours(self, symbol):
+        """Whether the rules are about an exported symbol."""
+        return "renderengine::" in symbol or re.match(r"(spdlog|fmt|gl[A-Z]|stbi|kvr_)", symbol)
+
+    def import_errors(self):
+        return [f"imports an OpenGL function: {symbol}" for symbol in self.imported
+                if re.match(r"(gl|glX|wgl)[A-Z]", symbol.strip())]
+
+
+class Dll:
+    """The same for a DLL. It exports what is marked and nothing by accident, so each of its names counts."""
+
+    exported_namespaces = set()
+
+    def __init__(self, library):
+        text = run("objdump", "--private-headers", library)
+        names = re.search(r"^\[Ordinal/Name Pointer\] Table.*?\n(.*?)\n\n", text, re.S | re.M)
+        mangled = re.findall(r"^\s*\[[^]]*\](?: \+base\[[^]]*\])?(?:\s+[0-9a-f]+)?\s+(\S+)$",
+                             names.group(1) if names else "", re.M)
+        self.exported = run("c++filt", text="\n".join(mangled)).splitlines()
+        self.imported = {}
+        for part in re.split(r"^\s*DLL Name: ", text, flags=re.M)[1:]:
+            library_name, _, rest = part.partition("\n")
+            table = re.split(r"\n\s*\n", rest)[0]
+            self.imported[library_name.strip().lower()] = re.findall(r"^\s*[0-9a-f]+\s+\d+\s+(\S+)", table, re.M)
+
+    def is_ours(self, symbol):
+        return True
+
+    def import_errors(self):
+        errors = [f"needs a library that is not expected: {name}" for name in self.imported
+                  if name not in NEEDED_LIBRARIES]
+        return errors + [f"imports an OpenGL function: {symbol}" for symbol in self.imported.get("opengl32.dll", [])
+                         if symbol not in WGL_IMPORTS]
+
+
+def read_library(library):
+    with open(library, "rb") as file:
+        return Dll(library) if file.read(2) == b"MZ" else SharedObject(library)
 
 
 def qualified_name(symbol):
@@ -58,13 +122,10 @@ def qualified_name(symbol):
 def check_exported(library):
     classes, functions = marked_names()
     seen_classes, seen_functions, errors = set(), set(), []
-    for symbol in symbols(library, "--defined-only"):
-        if "renderengine::" not in symbol and not re.match(r"(spdlog|fmt|gl[A-Z]|stbi|kvr_)", symbol):
-            continue
+    for symbol in filter(library.is_ours, library.exported):
         name = qualified_name(symbol)
         if name[0] != "renderengine":
-            # Templates of the C++ library made for our types are weak and belong to nobody.
-            if name[0] not in ("std", "__gnu_cxx", "void", "bool"):
+            if name[0] not in library.exported_namespaces:
                 errors.append(f"foreign name exported: {symbol}")
             continue
         owner = next((part for part in name[1:] if part in classes), None)
@@ -79,16 +140,12 @@ def check_exported(library):
     return errors, len(seen_classes), len(seen_functions)
 
 
-def check_imported(library):
-    return [f"imports an OpenGL function: {symbol}" for symbol in symbols(library, "--undefined-only")
-            if re.match(r"(gl|glX|wgl)[A-Z]", symbol.strip())]
-
-
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
-    errors, classes, functions = check_exported(sys.argv[1])
-    errors += check_imported(sys.argv[1])
+    library = read_library(sys.argv[1])
+    errors, classes, functions = check_exported(library)
+    errors += library.import_errors()
     for error in errors:
         print(error)
     print(f"check_exports: {classes} classes and {functions} functions exported, {len(errors)} errors")

@@ -47,6 +47,7 @@ check_everything()
     check_part "clang build" cmake --build build/clang --parallel "$JOBS"
     check_part "clang-tidy" "$PYTHON" tools/tidy.py build/clang --jobs "$JOBS"
     check_part "Windows build" cmake --build build/windows --parallel "$JOBS"
+    check_part "exports of the DLL" "$PYTHON" tools/check_exports.py build/windows/bin/librenderengine.dll
 
     if [ "${#failed[@]}" -gt 0 ]; then
         (IFS=,; echo "check: ${#failed[@]} failed: ${failed[*]}")
