@@ -1,13 +1,12 @@
 #include "ViewerProgram.h"
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
-
-#include <sys/wait.h>
 
 namespace fs = std::filesystem;
 
@@ -20,12 +19,18 @@ std::string readText(const fs::path& path)
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::string quoted(const std::string& text)
+ViewerRun runInFolder(const ScratchFolder& folder, const std::vector<std::string>& command)
 {
-    std::string result = "'";
-    for (const char c : text)
-        result += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return result + "'";
+    // The captured streams lie outside the folder, whose contents are the program's own.
+    const fs::path out = folder.path().string() + ".out";
+    const fs::path error = folder.path().string() + ".err";
+    ViewerRun run;
+    run.exitCode = runCommand(command, folder.path(), out, error);
+    run.out = readText(out);
+    run.error = readText(error);
+    fs::remove(out);
+    fs::remove(error);
+    return run;
 }
 
 } // namespace
@@ -44,25 +49,20 @@ ScratchFolder::~ScratchFolder()
     fs::remove_all(m_path, ignored);
 }
 
-ViewerRun runViewer(const ScratchFolder& folder, const std::vector<std::string>& arguments, const std::string& prefix)
+ViewerRun runViewer(const ScratchFolder& folder, const std::vector<std::string>& arguments,
+                    const std::vector<std::string>& wrapper)
 {
-    // The captured streams lie outside the folder, whose contents are the viewer's own.
-    const fs::path out = folder.path().string() + ".out";
-    const fs::path error = folder.path().string() + ".err";
-    std::string command = "cd " + quoted(folder.path().string()) + " && " + prefix + quoted(VIEWER_PROGRAM);
-    for (const std::string& argument : arguments)
-        command += ' ' + quoted(argument);
-    command += " >" + quoted(out.string()) + " 2>" + quoted(error.string());
+    std::vector<std::string> command = wrapper;
+    command.push_back(PROGRAM_FOLDER "/renderengine-view");
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return runInFolder(folder, command);
+}
 
-    ViewerRun run;
-    const int status = std::system(command.c_str());
-    if (WIFEXITED(status) && WEXITSTATUS(status) < 128)
-        run.exitCode = WEXITSTATUS(status);
-    run.out = readText(out);
-    run.error = readText(error);
-    fs::remove(out);
-    fs::remove(error);
-    return run;
+ViewerRun runMany(const ScratchFolder& folder, const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> command = {PROGRAM_FOLDER "/renderengine-many"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return runInFolder(folder, command);
 }
 
 std::string testModel(const std::string& name)
@@ -73,6 +73,22 @@ std::string testModel(const std::string& name)
 std::size_t lineCount(const std::string& text)
 {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+void writeText(const std::filesystem::path& path, const std::string& text)
+{
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+void expectRefused(const ScratchFolder& folder, const std::vector<std::string>& arguments, const std::string& reason)
+{
+    const ViewerRun run = runViewer(folder, arguments);
+    EXPECT_EQ(run.exitCode, 1) << run.error;
+    EXPECT_THAT(run.error, testing::HasSubstr(reason));
+    EXPECT_EQ(lineCount(run.error), 1u) << run.error;
+    EXPECT_TRUE(run.error.rfind("renderengine-view: ", 0) == 0) << run.error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        EXPECT_FALSE(entry.path().extension() == ".png" || entry.path().extension() == ".part") << entry.path();
 }
 
 std::string nameOfModel(const testing::TestParamInfo<const char*>& model)

@@ -9,6 +9,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <fstream>
+#include <string>
+#include <vector>
 
 using testing::HasSubstr;
 using testing::Not;
@@ -39,11 +43,38 @@ double coverage(const Image& image)
     return static_cast<double>(covered) / (image.width * image.height);
 }
 
-} // namespace
-
-class ViewerModelDeviceTest : public testing::TestWithParam<const char*>
+template <typename Value> void appendBytes(std::string& text, const Value& value)
 {
-};
+    text.append(reinterpret_cast<const char*>(&value), sizeof(value));
+}
+
+/// A binary glTF file with one triangle in the plane of x and y.
+void writeTriangle(const std::filesystem::path& path)
+{
+    std::string description =
+        R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"mesh":0}],)"
+        R"("meshes":[{"primitives":[{"attributes":{"POSITION":0},"indices":1}]}],)"
+        R"("accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3","min":[-1,0,0],"max":[1,2,0]},)"
+        R"({"bufferView":1,"componentType":5123,"count":3,"type":"SCALAR"}],)"
+        R"("bufferViews":[{"buffer":0,"byteLength":36},{"buffer":0,"byteOffset":36,"byteLength":6}],)"
+        R"("buffers":[{"byteLength":44}]})";
+    description.resize((description.size() + 3) / 4 * 4, ' ');
+    std::string data;
+    appendBytes(data, std::array<float, 9>{-1, 0, 0, 1, 0, 0, 0, 2, 0});
+    appendBytes(data, std::array<uint16_t, 4>{0, 1, 2, 0});
+
+    std::string file = "glTF";
+    appendBytes(file, uint32_t{2});
+    appendBytes(file, static_cast<uint32_t>(12 + 8 + description.size() + 8 + data.size()));
+    appendBytes(file, static_cast<uint32_t>(description.size()));
+    file += "JSON" + description;
+    appendBytes(file, static_cast<uint32_t>(data.size()));
+    file.append("BIN\0", 4);
+    file += data;
+    std::ofstream(path, std::ios::binary) << file;
+}
+
+} // namespace
 
 TEST_P(ViewerModelDeviceTest, DrawsAPictureInsideItsFrame)
 {
@@ -66,16 +97,7 @@ TEST_P(ViewerModelDeviceTest, DrawsAPictureInsideItsFrame)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Package, ViewerModelDeviceTest,
-                         testing::Values(c_engine, "glTF2/BoxTextured-glTF-Binary/BoxTextured.glb",
-                                         "glTF2/BoxTextured-glTF-Embedded/BoxTextured.gltf",
-                                         "glTF2/ClearCoat-glTF/ClearCoatTest.gltf", "OBJ/spider.obj", "OBJ/box.obj",
-                                         "OBJ/cube_with_vertexcolors.obj", "STL/Spider_binary.stl", "STL/Wuson.stl",
-                                         "PLY/Wuson.ply", "Collada/duck.dae", "Collada/teapot_instancenodes.DAE",
-                                         "3DS/cubes_with_alpha.3DS", "FBX/spider.fbx", "X/Testwuson.X", "OFF/Wuson.off",
-                                         "LWO/LWO2/boxuv.lwo", "BLEND/Suzanne_248.blend", "AC/Wuson.ac",
-                                         "DXF/wuson.dxf"),
-                         nameOfModel);
+INSTANTIATE_TEST_SUITE_P(Package, ViewerModelDeviceTest, testing::Values(c_engine, boxModel), nameOfModel);
 
 TEST(ViewerDeviceTest, RenderersGiveTheSamePicture)
 {
@@ -102,7 +124,7 @@ TEST(ViewerDeviceTest, NullRendererWritesNoPicture)
 TEST(ViewerDeviceTest, CountsTrianglesMeshesAndDraws)
 {
     const ScratchFolder folder;
-    const ViewerRun run = runViewer(folder, {testModel("OBJ/box.obj"), "--size", "16x16", "--frames", "4"});
+    const ViewerRun run = runViewer(folder, {testModel(boxModel), "--size", "16x16", "--frames", "4"});
     ASSERT_EQ(run.exitCode, 0) << run.error;
     EXPECT_THAT(run.out, HasSubstr("12 triangles, 1 meshes, 1 draws"));
     EXPECT_THAT(run.out, HasSubstr("of 3 frames"));
@@ -113,12 +135,8 @@ TEST(ViewerDeviceTest, PictureIsUpright)
 {
     // A triangle that stands on its base: its lower half is wider than its upper half.
     const ScratchFolder folder;
-    std::filesystem::create_directories(folder.path());
-    FILE* file = std::fopen((folder / "triangle.obj").string().c_str(), "w");
-    ASSERT_NE(file, nullptr);
-    std::fputs("v -1 0 0\nv 1 0 0\nv 0 2 0\nf 1 2 3\n", file);
-    std::fclose(file);
-    ASSERT_EQ(runViewer(folder, {"triangle.obj", "--size", "64x64", "-o", "a.png"}).exitCode, 0);
+    writeTriangle(folder / "triangle.glb");
+    ASSERT_EQ(runViewer(folder, {"triangle.glb", "--size", "64x64", "-o", "a.png"}).exitCode, 0);
     const Image image = loadPng((folder / "a.png").string());
     const auto background = pixel(image, 0, 0);
     const auto width = [&](int y)
@@ -135,7 +153,7 @@ TEST(ViewerDeviceTest, EdgesAreSmooth)
 {
     // Multisampling leaves colours between the surface's and the background's along an edge.
     const ScratchFolder folder;
-    ASSERT_EQ(runViewer(folder, {testModel("OBJ/box.obj"), "--size", "64x64", "-o", "a.png"}).exitCode, 0);
+    ASSERT_EQ(runViewer(folder, {testModel(boxModel), "--size", "64x64", "-o", "a.png"}).exitCode, 0);
     const Image image = loadPng((folder / "a.png").string());
     std::vector<std::array<int, 3>> colors;
     for (int y = 0; y < image.height; ++y)
@@ -152,7 +170,7 @@ TEST(ViewerDeviceTest, InfoNamesDeviceLimitsAndSettings)
     const ViewerRun run = runViewer(folder, {"--info"});
     ASSERT_EQ(run.exitCode, 0) << run.error;
     EXPECT_THAT(run.out, HasSubstr("llvmpipe"));
-    EXPECT_THAT(run.out, HasSubstr("EGL on "));
+    EXPECT_THAT(run.out, HasSubstr(VIEWER_PLATFORM " on "));
     EXPECT_THAT(run.out, HasSubstr("GL_KHR_debug"));
     EXPECT_THAT(run.out, HasSubstr("texture size"));
     EXPECT_THAT(run.out, HasSubstr("KVR_RENDERENGINE_RENDERER"));
