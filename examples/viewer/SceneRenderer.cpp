@@ -1,11 +1,12 @@
 #include "SceneRenderer.h"
 
 #include "Images.h"
-#include "Shaders.h"
 
+#include <kavelor/SoPreferences.h>
 #include <renderengine/renderengine.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -51,7 +52,6 @@ struct CameraBlock
 struct TransformBlock
 {
     SbMatrix model;
-    SbMatrix normalMatrix;
 };
 
 struct MaterialBlock
@@ -66,13 +66,18 @@ SbVec4f extended(const SbVec3f& v, float w)
     return SbVec4f(v[0], v[1], v[2], w);
 }
 
-// Normals stay perpendicular to their surface under the transposed inverse, also when the model is scaled unevenly.
-SbMatrix normalMatrixOf(const SbMatrix& model)
+/// Where the shader finds transforms and materials: the renderer for OpenGL 4.1 gives merged geometry the blocks of its
+/// first member only, so there they travel as attributes.
+MemberData chooseMemberData(const ContextInfo& info)
 {
-    SbMatrix linear = model;
-    for (int column = 0; column < 3; ++column)
-        linear[3][column] = 0.0f;
-    return linear.inverse().transpose();
+    constexpr int32_t firstVersionWithMergedBlocks = 430;
+    std::string renderer = SoPreferences::getString("KVR_RENDERENGINE_RENDERER", "GL").upper().toStdString();
+    if (renderer == "GL41" || info.version < firstVersionWithMergedBlocks ||
+        !SoPreferences::getBool("KVR_ENABLE_SHADER_BUFFERS_MERGING", true))
+        return MemberData::Attributes;
+    if (info.vendor == "GPU_ATI" || !SoPreferences::getBool("KVR_SHADER_BUFFERS_MERGING_USE_UBO", true))
+        return MemberData::StorageBlocks;
+    return MemberData::UniformBlocks;
 }
 
 float distanceAlong(const SbVec3f& direction, const SbMatrix& model, const Mesh& mesh)
@@ -84,24 +89,21 @@ float distanceAlong(const SbVec3f& direction, const SbMatrix& model, const Mesh&
     return center[0] * direction[0] + center[1] * direction[1] + center[2] * direction[2];
 }
 
-// Opaque instances as they come, then the transparent ones from the farthest to the nearest.
-std::vector<std::size_t> drawOrder(const Model& model, const SbVec3f& back)
+/// The transparent instances from the farthest to the nearest.
+std::vector<std::size_t> transparentInstances(const Model& model, const SbVec3f& back)
 {
-    std::vector<std::size_t> order;
-    std::vector<std::pair<float, std::size_t>> transparent;
+    std::vector<std::pair<float, std::size_t>> places;
     for (std::size_t i = 0; i < model.instances.size(); ++i)
     {
         const Instance& instance = model.instances[i];
         const Mesh& mesh = model.meshes[instance.mesh];
         if (model.materials[mesh.material].isTransparent())
-            transparent.emplace_back(distanceAlong(back, instance.model, mesh), i);
-        else
-            order.push_back(i);
+            places.emplace_back(distanceAlong(back, instance.model, mesh), i);
     }
-    std::stable_sort(transparent.begin(), transparent.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    for (const auto& entry : transparent)
-        order.push_back(entry.second);
+    std::stable_sort(places.begin(), places.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<std::size_t> order;
+    for (const auto& place : places)
+        order.push_back(place.second);
     return order;
 }
 
@@ -129,14 +131,23 @@ std::shared_ptr<const GfxStateProperties> transparentState()
     return state;
 }
 
-OverallAttribute constantAttribute(const char* name, const SbVec4f& value, uint8_t components)
+OverallAttribute constantAttribute(const char* name, const float* value, uint8_t components)
 {
     OverallAttribute attribute;
     attribute.name = name;
     attribute.dataType = SbDataType::FLOAT;
     attribute.componentCount = components;
-    std::memcpy(attribute.value, value.getValue(), sizeof(float) * components);
+    std::memcpy(attribute.value, value, sizeof(float) * components);
     return attribute;
+}
+
+const SbVec4f c_white(1.0f, 1.0f, 1.0f, 1.0f);
+const SbVec2f c_noTexCoord(0.0f, 0.0f);
+
+/// The values of a mesh, or the same value for each of its vertices when it has none.
+template <typename T> std::vector<T> filled(const std::vector<T>& values, const Mesh& mesh, const T& value)
+{
+    return values.empty() ? std::vector<T>(mesh.positions.size(), value) : values;
 }
 
 template <typename T> std::size_t byteSize(const std::vector<T>& values)
@@ -153,20 +164,85 @@ struct SceneRenderer::MeshResources
     IndexBufferHandle indexBuffer;
 };
 
-SceneRenderer::SceneRenderer(ContextInterface& context, const Model& model, uint32_t width, uint32_t height)
-    : m_context(context), m_width(width), m_height(height),
+/// Instances that are drawn one behind the other with the same state.
+struct SceneRenderer::Group
+{
+    bool transparent = false;
+    int texture = -1; ///< index into m_textures, or -1
+    std::vector<std::size_t> instances;
+};
+
+/// Which attributes come from buffers. It is the same for all meshes, since merged geometry shares its layout; what no
+/// mesh of the model has is a constant.
+struct SceneRenderer::Attributes
+{
+    explicit Attributes(const Model& model)
+    {
+        for (const Mesh& mesh : model.meshes)
+        {
+            texCoords = texCoords || !mesh.texCoords.empty();
+            colors = colors || !mesh.colors.empty();
+        }
+    }
+
+    bool texCoords = false;
+    bool colors = false;
+};
+
+SceneRenderer::SceneRenderer(ContextInterface& context, const Model& model, uint32_t width, uint32_t height,
+                             bool merging)
+    : m_context(context), m_width(width), m_height(height), m_merging(merging),
+      m_memberData(chooseMemberData(context.getContextInfo())),
       m_camera(fitCamera(model, static_cast<float>(width) / static_cast<float>(height))),
       m_setup(std::make_shared<RenderCache>()), m_frame(std::make_shared<RenderCache>()),
       m_readback(std::make_shared<RenderCache>())
 {
     m_context.setSize(width, height);
     createTargets();
-    createProgram();
     createTextures(model);
+    const std::vector<Group> groups = groupInstances(model);
+    createProgram(model, groups);
     createMaterials(model);
     createCamera(model);
-    createDraws(model);
-    recordFrame(model);
+    createDraws(model, groups);
+    recordFrame();
+}
+
+/// Opaque instances by texture; behind them the transparent ones, whose order must stand.
+std::vector<SceneRenderer::Group> SceneRenderer::groupInstances(const Model& model) const
+{
+    std::vector<Group> groups(m_textures.size() + 1);
+    for (std::size_t i = 0; i < model.instances.size(); ++i)
+    {
+        const Material& material = model.materials[model.meshes[model.instances[i].mesh].material];
+        if (!material.isTransparent())
+        {
+            const int texture = textureOf(material);
+            groups[static_cast<std::size_t>(texture + 1)].texture = texture;
+            groups[static_cast<std::size_t>(texture + 1)].instances.push_back(i);
+        }
+    }
+    groups.erase(
+        std::remove_if(groups.begin(), groups.end(), [](const Group& group) { return group.instances.empty(); }),
+        groups.end());
+    for (const std::size_t i : transparentInstances(model, m_camera.back))
+    {
+        const int texture = textureOf(model.materials[model.meshes[model.instances[i].mesh].material]);
+        if (groups.empty() || !groups.back().transparent || groups.back().texture != texture)
+        {
+            groups.emplace_back();
+            groups.back().transparent = true;
+            groups.back().texture = texture;
+        }
+        groups.back().instances.push_back(i);
+    }
+    return groups;
+}
+
+int SceneRenderer::textureOf(const Material& material) const
+{
+    const int image = material.baseColorImage;
+    return image >= 0 && m_textures[static_cast<std::size_t>(image)].isValid() ? image : -1;
 }
 
 TextureHandle SceneRenderer::createTarget(uint32_t type, uint8_t samples, uint32_t format, uint32_t internalFormat)
@@ -207,9 +283,19 @@ void SceneRenderer::createTargets()
     m_viewport = m_context.createViewport(viewport);
 }
 
-void SceneRenderer::createProgram()
+void SceneRenderer::createProgram(const Model& model, const std::vector<Group>& groups)
 {
-    const auto compile = [this](uint32_t stage, const char* source)
+    // The engine starts another batch where a merged block would grow beyond the device's limit.
+    MergedCounts counts;
+    for (const Group& group : groups)
+        counts.draws = std::max(counts.draws, static_cast<uint32_t>(m_merging ? group.instances.size() : 1));
+    const auto blockSize = static_cast<uint32_t>(std::max(m_context.getContextInfo().maxUniformBlockSize, 16384));
+    const uint32_t blockLimit = blockSize / std::max(sizeof(TransformBlock), sizeof(MaterialBlock));
+    counts.transforms = std::min(counts.draws, blockLimit);
+    counts.materials = std::min({counts.draws, blockLimit, static_cast<uint32_t>(model.materials.size())});
+    counts.draws = std::min(counts.draws, blockSize / static_cast<uint32_t>(sizeof(SbVec4i32)));
+
+    const auto compile = [this](uint32_t stage, const std::string& source)
     {
         ShaderObjectProperties properties;
         properties.stage = stage;
@@ -221,7 +307,8 @@ void SceneRenderer::createProgram()
         return shader;
     };
     ShaderProgramProperties properties;
-    properties.shaderObjects = {compile(c_vertexStage, c_vertexShader), compile(c_fragmentStage, c_fragmentShader)};
+    properties.shaderObjects = {compile(c_vertexStage, vertexShader(m_memberData, counts)),
+                                compile(c_fragmentStage, c_fragmentShader)};
     m_program = m_context.createShaderProgram(properties);
     const std::string& log = m_context.getShaderProgramLog(m_program);
     if (!log.empty())
@@ -293,13 +380,17 @@ void SceneRenderer::createMaterials(const Model& model)
 {
     for (const Material& material : model.materials)
     {
-        const bool textured =
-            material.baseColorImage >= 0 && m_textures[static_cast<std::size_t>(material.baseColorImage)].isValid();
         MaterialBlock block;
         block.baseColor = material.baseColor;
         block.emissive = extended(material.emissive, 0.0f);
-        block.surface = SbVec4f(material.metallic, material.roughness, material.alphaCutoff, textured ? 1.0f : 0.0f);
-        m_materialBlocks.push_back(createBlock("MaterialBlock", &block, sizeof(block)));
+        block.surface = SbVec4f(material.metallic, material.roughness, material.alphaCutoff,
+                                textureOf(material) >= 0 ? 1.0f : 0.0f);
+        if (m_memberData == MemberData::Attributes)
+            m_materialAttributes.push_back({constantAttribute("materialColor", block.baseColor.getValue(), 4),
+                                            constantAttribute("materialEmission", block.emissive.getValue(), 3),
+                                            constantAttribute("materialSurface", block.surface.getValue(), 4)});
+        else
+            m_materialBlocks.push_back(createBlock("MaterialBlock", &block, sizeof(block)));
     }
 }
 
@@ -327,7 +418,7 @@ std::shared_ptr<const ShaderStateCoreProperties> SceneRenderer::shaderStateFor(i
     state->viewport = m_viewport;
     state->shaderParameters = {m_textureUnit};
     state->shaderBuffers = {m_cameraBlock};
-    if (image >= 0 && m_textures[static_cast<std::size_t>(image)].isValid())
+    if (image >= 0)
     {
         state->textures.mask = 1u;
         state->textures.textures[0] = m_textures[static_cast<std::size_t>(image)];
@@ -336,20 +427,25 @@ std::shared_ptr<const ShaderStateCoreProperties> SceneRenderer::shaderStateFor(i
     return state;
 }
 
-SceneRenderer::MeshResources SceneRenderer::createMesh(const Mesh& mesh)
+SceneRenderer::MeshResources SceneRenderer::createMesh(const Mesh& mesh, const Attributes& attributes)
 {
     MeshResources resources;
     resources.vertexBuffers.push_back(createAttribute("position", mesh.positions.data(), byteSize(mesh.positions), 3));
     resources.vertexBuffers.push_back(createAttribute("normal", mesh.normals.data(), byteSize(mesh.normals), 3));
-    if (mesh.texCoords.empty())
-        resources.constants.push_back(constantAttribute("texCoord", SbVec4f(0.0f, 0.0f, 0.0f, 0.0f), 2));
+    if (attributes.texCoords)
+    {
+        const auto values = filled(mesh.texCoords, mesh, c_noTexCoord);
+        resources.vertexBuffers.push_back(createAttribute("texCoord", values.data(), byteSize(values), 2));
+    }
     else
-        resources.vertexBuffers.push_back(
-            createAttribute("texCoord", mesh.texCoords.data(), byteSize(mesh.texCoords), 2));
-    if (mesh.colors.empty())
-        resources.constants.push_back(constantAttribute("color", SbVec4f(1.0f, 1.0f, 1.0f, 1.0f), 4));
+        resources.constants.push_back(constantAttribute("texCoord", c_noTexCoord.getValue(), 2));
+    if (attributes.colors)
+    {
+        const auto values = filled(mesh.colors, mesh, c_white);
+        resources.vertexBuffers.push_back(createAttribute("color", values.data(), byteSize(values), 4));
+    }
     else
-        resources.vertexBuffers.push_back(createAttribute("color", mesh.colors.data(), byteSize(mesh.colors), 4));
+        resources.constants.push_back(constantAttribute("color", c_white.getValue(), 4));
 
     IndexBufferProperties indices;
     indices.dataType = SbDataType::UNSIGNED_INT;
@@ -358,50 +454,68 @@ SceneRenderer::MeshResources SceneRenderer::createMesh(const Mesh& mesh)
     return resources;
 }
 
-void SceneRenderer::createDraws(const Model& model)
+DrawPropertiesHandle SceneRenderer::createInstance(const Model& model, const Instance& instance,
+                                                   const MeshResources& resources)
 {
-    std::vector<MeshResources> meshes;
-    for (const Mesh& mesh : model.meshes)
-        meshes.push_back(createMesh(mesh));
+    const Mesh& mesh = model.meshes[instance.mesh];
+    TransformBlock transform;
+    transform.model = instance.model;
 
-    const auto opaque = opaqueState();
-    const auto transparent = transparentState();
-    for (const Instance& instance : model.instances)
+    DrawProperties properties;
+    properties.vertexBuffers = resources.vertexBuffers;
+    properties.overallAttributes = resources.constants;
+    if (m_memberData == MemberData::Attributes)
     {
-        const Mesh& mesh = model.meshes[instance.mesh];
-        const Material& material = model.materials[mesh.material];
-
-        TransformBlock transform;
-        transform.model = instance.model;
-        transform.normalMatrix = normalMatrixOf(instance.model);
-
-        DrawProperties properties;
-        properties.vertexBuffers = meshes[instance.mesh].vertexBuffers;
-        properties.overallAttributes = meshes[instance.mesh].constants;
+        constexpr std::array<const char*, 4> rows = {"modelX", "modelY", "modelZ", "modelOrigin"};
+        for (std::size_t row = 0; row < rows.size(); ++row)
+            properties.overallAttributes.push_back(constantAttribute(rows[row], transform.model[row], 3));
+        const std::vector<OverallAttribute>& material = m_materialAttributes[mesh.material];
+        properties.overallAttributes.insert(properties.overallAttributes.end(), material.begin(), material.end());
+    }
+    else
+    {
         // The engine takes the second entry for the transform and the third for the material of a geometry.
         properties.shaderBuffers = {ShaderBufferHandle(), createBlock("TransformBlock", &transform, sizeof(transform)),
                                     m_materialBlocks[mesh.material]};
-        DrawRange range;
-        range.indexBuffer = meshes[instance.mesh].indexBuffer;
-        range.primitive = c_triangles;
-        range.count = static_cast<int32_t>(mesh.indices.size());
-        properties.ranges = {range};
+    }
+    DrawRange range;
+    range.indexBuffer = resources.indexBuffer;
+    range.primitive = c_triangles;
+    range.count = static_cast<int32_t>(mesh.indices.size());
+    properties.ranges = {range};
+    return m_context.createDrawProperties(properties);
+}
 
-        const auto& shaderState = m_shaderStates[static_cast<std::size_t>(material.baseColorImage + 1)];
-        const DrawHandle draw = m_context.createDraw(material.isTransparent() ? transparent : opaque, shaderState);
-        m_context.addDrawProperties(draw, m_context.createDrawProperties(properties));
-        m_draws.push_back(draw);
+void SceneRenderer::createDraws(const Model& model, const std::vector<Group>& groups)
+{
+    const Attributes attributes(model);
+    std::vector<MeshResources> meshes;
+    for (const Mesh& mesh : model.meshes)
+        meshes.push_back(createMesh(mesh, attributes));
+
+    const auto opaque = opaqueState();
+    const auto transparent = transparentState();
+    for (const Group& group : groups)
+    {
+        const auto& gfxState = group.transparent ? transparent : opaque;
+        const auto& shaderState = m_shaderStates[static_cast<std::size_t>(group.texture + 1)];
+        for (const std::size_t index : group.instances)
+        {
+            if (!m_merging || index == group.instances.front())
+                m_draws.push_back(m_context.createDraw(gfxState, shaderState));
+            const Instance& instance = model.instances[index];
+            m_context.addDrawProperties(m_draws.back(), createInstance(model, instance, meshes[instance.mesh]));
+        }
     }
 }
 
-void SceneRenderer::recordFrame(const Model& model)
+void SceneRenderer::recordFrame()
 {
     ClearTargetProperties clear;
     clear.colors[0] = c_background;
     m_frame->clearRenderTarget(m_multisampleTarget, clear);
-    for (const std::size_t instance : drawOrder(model, m_camera.back))
-        m_frame->draw(m_draws[instance]);
-    m_drawCount = m_draws.size();
+    for (const DrawHandle& draw : m_draws)
+        m_frame->draw(draw);
 
     BlitProperties resolve;
     resolve.source = SbVec4i32(0, 0, static_cast<int32_t>(m_width), static_cast<int32_t>(m_height));

@@ -3,7 +3,13 @@
 namespace viewer
 {
 
-const char* const c_vertexShader = R"(#version 410
+namespace
+{
+
+// What follows the version and the definitions. With ATTRIBUTES each geometry brings its transform and its material as
+// attributes. Without, they stand in blocks: those of its own when it is drawn alone, and else the engine's merged
+// ones, through an indirection at the number of the geometry within its draw.
+const char* const c_vertexBody = R"(
 layout(location = 0) in vec3 position;
 in vec3 normal;
 in vec2 texCoord;
@@ -17,27 +23,140 @@ layout(std140) uniform CameraBlock
     vec4 up;
     vec4 back;
 };
+
+struct Material
+{
+    vec4 baseColor;
+    vec4 emissive;
+    vec4 surface;
+};
+
+#if defined(ATTRIBUTES)
+
+in vec3 modelX;
+in vec3 modelY;
+in vec3 modelZ;
+in vec3 modelOrigin;
+in vec4 materialColor;
+in vec3 materialEmission;
+in vec4 materialSurface;
+
+mat4x3 findModel()
+{
+    return mat4x3(modelX, modelY, modelZ, modelOrigin);
+}
+
+Material findMaterial()
+{
+    return Material(materialColor, vec4(materialEmission, 0.0), materialSurface);
+}
+
+#else
+
 layout(std140) uniform TransformBlock
 {
-    mat4 model;
-    mat4 normalMatrix;
+    mat4 ownModel;
 };
+layout(std140) uniform MaterialBlock
+{
+    Material ownMaterial;
+};
+#if defined(STORAGE)
+layout(std430) readonly buffer TransformBlockIndirectBuffer
+{
+    int transformIndices[];
+};
+layout(std430) readonly buffer TransformBlockMergedBuffer
+{
+    mat4 models[];
+};
+layout(std430) readonly buffer MaterialBlockIndirectBuffer
+{
+    int materialIndices[];
+};
+layout(std430) readonly buffer MaterialBlockMergedBuffer
+{
+    Material materials[];
+};
+#define INDEX(indices, i) indices[i]
+#else
+layout(std140) uniform TransformBlockIndirectBuffer
+{
+    ivec4 transformIndices[DRAW_COUNT];
+};
+layout(std140) uniform TransformBlockMergedBuffer
+{
+    mat4 models[TRANSFORM_COUNT];
+};
+layout(std140) uniform MaterialBlockIndirectBuffer
+{
+    ivec4 materialIndices[DRAW_COUNT];
+};
+layout(std140) uniform MaterialBlockMergedBuffer
+{
+    Material materials[MATERIAL_COUNT];
+};
+#define INDEX(indices, i) indices[i].x
+#endif
+
+uniform int KvrUseMergedShaderBuffers;
+in float KvrAttribDrawIndex; // the bits of an unsigned integer
+
+mat4x3 findModel()
+{
+    if (KvrUseMergedShaderBuffers != 0)
+        return mat4x3(models[INDEX(transformIndices, floatBitsToUint(KvrAttribDrawIndex))]);
+    return mat4x3(ownModel);
+}
+
+Material findMaterial()
+{
+    if (KvrUseMergedShaderBuffers != 0)
+        return materials[INDEX(materialIndices, floatBitsToUint(KvrAttribDrawIndex))];
+    return ownMaterial;
+}
+
+#endif
 
 centroid out vec3 worldPosition;
 centroid out vec3 worldNormal;
 centroid out vec2 surfaceTexCoord;
 centroid out vec4 surfaceColor;
+flat out vec4 baseColor;
+flat out vec4 emissive;
+flat out vec4 surface;
 
 void main()
 {
-    vec4 world = model * vec4(position, 1.0);
-    worldPosition = world.xyz;
-    worldNormal = mat3(normalMatrix) * normal;
+    mat4x3 model = findModel();
+    Material material = findMaterial();
+    worldPosition = model * vec4(position, 1.0);
+    // The cofactors keep normals perpendicular to their surface, also when the model is scaled unevenly; a mirroring
+    // model turns them about.
+    vec3 cross12 = cross(model[1], model[2]);
+    vec3 turned = normal.x * cross12 + normal.y * cross(model[2], model[0]) + normal.z * cross(model[0], model[1]);
+    worldNormal = normalize(dot(model[0], cross12) < 0.0 ? -turned : turned);
     surfaceTexCoord = texCoord;
     surfaceColor = color;
-    gl_Position = viewProjection * world;
+    baseColor = material.baseColor;
+    emissive = material.emissive;
+    surface = material.surface;
+    gl_Position = viewProjection * vec4(worldPosition, 1.0);
 }
 )";
+
+} // namespace
+
+std::string vertexShader(MemberData data, const MergedCounts& counts)
+{
+    if (data == MemberData::Attributes)
+        return std::string("#version 410\n#define ATTRIBUTES\n") + c_vertexBody;
+    if (data == MemberData::StorageBlocks)
+        return std::string("#version 430\n#define STORAGE\n") + c_vertexBody;
+    return "#version 410\n#define DRAW_COUNT " + std::to_string(counts.draws) + "\n#define TRANSFORM_COUNT " +
+           std::to_string(counts.transforms) + "\n#define MATERIAL_COUNT " + std::to_string(counts.materials) + "\n" +
+           c_vertexBody;
+}
 
 const char* const c_fragmentShader = R"(#version 410
 // At the centre of what is covered: along silhouettes a value outside the triangle would bend the shading.
@@ -54,12 +173,9 @@ layout(std140) uniform CameraBlock
     vec4 up;
     vec4 back;
 };
-layout(std140) uniform MaterialBlock
-{
-    vec4 baseColor;
-    vec4 emissive;
-    vec4 surface; // metallic, roughness, alpha cutoff, 1 when there is a texture
-};
+flat in vec4 baseColor;
+flat in vec4 emissive;
+flat in vec4 surface; // metallic, roughness, alpha cutoff, 1 when there is a texture
 uniform sampler2D baseColorTexture;
 
 layout(location = 0) out vec4 fragment;
