@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
 #include <new>
 #include <utility>
+
+#include "commands/CommandMemory.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 extern "C" void __asan_poison_memory_region(void const volatile* address, std::size_t size);
@@ -19,7 +20,11 @@ namespace
 /// More than the blocks of any chunk.
 constexpr uint32_t Credit = 1u << 30;
 
-constexpr uint32_t LargestPageCount = 16;
+constexpr uint32_t LargestPageCount = CommandMemory::PieceSize / CommandArena::PageSize;
+/// A chunk is this part of what its list has taken so far.
+constexpr uint32_t GrowthDivisor = 16;
+
+static_assert(CommandMemory::PieceAlignment == CommandArena::PageSize, "a piece is a run of pages");
 
 /// Makes the address sanitizer report any use of memory that no command owns.
 void poison([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) noexcept
@@ -54,94 +59,24 @@ struct CommandArena::Chunk
     uint32_t pageCount;
 };
 
-namespace
-{
-
-/// Free chunks of the largest size. Lists that are emptied and filled again every frame take their chunks from here;
-/// through the heap they would give them back to the system and fault their pages in again.
-class ChunkPool
-{
-public:
-    /// A free chunk, or null.
-    void* take() noexcept
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        FreeChunk* const chunk = m_first;
-        if (chunk != nullptr)
-        {
-            m_first = chunk->next;
-            --m_count;
-        }
-        return chunk;
-    }
-
-    /// Keeps a chunk and answers true, unless there are enough.
-    bool give(void* memory) noexcept
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_count >= m_capacity)
-        {
-            return false;
-        }
-        m_first = new (memory) FreeChunk{m_first};
-        ++m_count;
-        return true;
-    }
-
-    /// Frees all chunks and keeps none from now on.
-    void close() noexcept
-    {
-        {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            m_capacity = 0;
-        }
-        while (void* memory = take())
-        {
-            ::operator delete(memory, std::align_val_t(CommandArena::PageSize));
-        }
-    }
-
-private:
-    struct FreeChunk
-    {
-        FreeChunk* next;
-    };
-
-    std::mutex m_mutex;
-    FreeChunk* m_first = nullptr;
-    uint32_t m_count = 0;
-    /// 4 MiB, which is a scene of 125000 draws.
-    uint32_t m_capacity = 256;
-};
-
-ChunkPool s_pool;
-
-/// Commands may still be freed after the pool is closed, by static objects of the client: the pool stays usable.
-struct PoolCloser
-{
-    ~PoolCloser() { s_pool.close(); }
-};
-
-PoolCloser s_poolCloser;
-
-} // namespace
-
 CommandArena::Chunk* CommandArena::Chunk::create(uint32_t pageCount)
 {
-    void* memory = pageCount == LargestPageCount ? s_pool.take() : nullptr;
-    if (memory == nullptr)
-    {
-        const std::size_t size = PageSize * pageCount;
-        memory = ::operator new(size, std::align_val_t(PageSize));
-    }
+    void* const memory = pageCount == LargestPageCount
+                             ? CommandMemory::take()
+                             : ::operator new(PageSize* pageCount, std::align_val_t(PageSize));
     return new (memory) Chunk(pageCount);
 }
 
 void CommandArena::Chunk::destroy(Chunk* chunk) noexcept
 {
-    const bool pooled = chunk->pageCount == LargestPageCount;
+    const uint32_t pageCount = chunk->pageCount;
     chunk->~Chunk();
-    if (!pooled || !s_pool.give(chunk))
+    unpoison(chunk, PageSize * pageCount); // the next user may be of another kind
+    if (pageCount == LargestPageCount)
+    {
+        CommandMemory::give(chunk);
+    }
+    else
     {
         ::operator delete(chunk, std::align_val_t(PageSize));
     }
@@ -236,11 +171,11 @@ void CommandArena::nextPage()
 
 void CommandArena::addChunk()
 {
-    const uint32_t pageCount = std::clamp(m_pagesTaken / 4, 1u, LargestPageCount);
+    const uint32_t pageCount = std::clamp(m_pagesTaken / GrowthDivisor, 1u, LargestPageCount);
     Chunk* const chunk = Chunk::create(pageCount);
     retire();
     m_chunk = chunk;
-    m_pagesTaken = std::min(m_pagesTaken + pageCount, 4 * LargestPageCount);
+    m_pagesTaken = std::min(m_pagesTaken + pageCount, GrowthDivisor * LargestPageCount);
     openPage(0);
 }
 

@@ -21,9 +21,9 @@ namespace renderengine
 /// - The count starts with a large credit instead of 0. Cutting a block only counts in the list, without an atomic
 ///   operation; freeing one subtracts 1 from the chunk. When the list leaves the chunk it takes the unused credit back,
 ///   and whoever brings the count to 0 frees the chunk: the list or the last command, on whatever thread.
-/// - Chunks grow with the list, so that what a list leaves unused is a quarter of its memory at most.
-/// - A list that was emptied, and whose commands are all gone, starts its last chunk over. Free chunks of the largest
-///   size are kept for the process, up to a limit.
+/// - Chunks grow with the list, so that what a long list leaves unused is a sixteenth of its memory at most. A chunk of
+///   the largest size is a piece of CommandMemory.
+/// - A list that was emptied, and whose commands are all gone, starts its last chunk over.
 /// - A command that outlives its neighbours keeps their chunk: of a list of which only scattered commands survive, up
 ///   to one chunk a survivor stays in memory.
 ///
@@ -33,9 +33,9 @@ class CommandArena
     struct Chunk;
 
 public:
-    static constexpr std::size_t PageSize = 1024;
+    static constexpr std::size_t PageSize = 2048;
     /// Larger blocks would leave too much of a page unused and come from the heap.
-    static constexpr std::size_t MaximumBlockSize = PageSize / 4;
+    static constexpr std::size_t MaximumBlockSize = PageSize / 8;
     /// Alignment of a block.
     static constexpr std::size_t BlockAlignment = alignof(void*);
 
@@ -43,6 +43,9 @@ public:
     CommandArena(CommandArena&& other) noexcept;
     CommandArena& operator=(CommandArena&& other) noexcept;
     ~CommandArena() { retire(); }
+
+    /// Whether it holds a chunk to cut from.
+    bool isOpen() const noexcept { return m_chunk != nullptr; }
 
     /// Cuts a block; `size` is at most MaximumBlockSize and a multiple of BlockAlignment. Throws std::bad_alloc.
     void* allocate(std::size_t size)

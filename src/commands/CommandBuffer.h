@@ -4,12 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <utility>
-#include <vector>
 
 #include <kavelor/SbVec.h>
 
 #include "commands/CommandArena.h"
-#include "commands/CommandBase.h"
+#include "commands/CommandSequence.h"
 
 namespace renderengine
 {
@@ -17,12 +16,10 @@ namespace renderengine
 /// A list of commands in recording order. It has no lock.
 ///
 /// Commands are shared: a list drops its references, and a command goes with the last of them, on whatever thread that
-/// happens. The commands that a list makes itself come from an arena of its own, see CommandArena.
+/// happens. The commands that a long list makes itself come from an arena of its own, see CommandArena.
 class CommandBuffer
 {
 public:
-    using Commands = std::vector<std::shared_ptr<CommandBase>>;
-
     CommandBuffer() = default;
     CommandBuffer(CommandBuffer&&) noexcept = default;
     CommandBuffer& operator=(CommandBuffer&&) noexcept = default;
@@ -31,14 +28,10 @@ public:
     /// Makes a command and appends it. The list keeps the ownership; the pointer is for filling the command.
     template <class T> T* add()
     {
-        if (m_commands.size() == m_commands.capacity())
-        {
-            grow();
-        }
-        CommandArena::s_current = &m_arena;
-        std::shared_ptr<T> command = std::allocate_shared<T>(CommandAllocator<T>());
+        m_commands.reserveOne();
+        std::shared_ptr<T> command = make<T>();
         T* const added = command.get();
-        m_commands.push_back(std::move(command));
+        m_commands.push(std::move(command));
         return added;
     }
 
@@ -58,7 +51,7 @@ public:
             }
             catch (...)
             {
-                m_commands.pop_back();
+                m_commands.pop();
                 throw;
             }
         }
@@ -77,13 +70,24 @@ public:
     /// The number of commands.
     uint64_t size() const { return m_commands.size(); }
 
-    Commands::const_iterator begin() const { return m_commands.begin(); }
-    Commands::const_iterator end() const { return m_commands.end(); }
+    CommandSequence::const_iterator begin() const { return m_commands.begin(); }
+    CommandSequence::const_iterator end() const { return m_commands.end(); }
 
 private:
-    void grow();
+    /// A list of fewer commands takes them from the heap one by one: a chunk would stay unused for the most part.
+    static constexpr uint64_t LongList = 8;
 
-    Commands m_commands;
+    template <class T> std::shared_ptr<T> make()
+    {
+        if (!m_arena.isOpen() && m_commands.size() < LongList)
+        {
+            return std::make_shared<T>();
+        }
+        CommandArena::s_current = &m_arena;
+        return std::allocate_shared<T>(CommandAllocator<T>());
+    }
+
+    CommandSequence m_commands;
     CommandArena m_arena;
 };
 

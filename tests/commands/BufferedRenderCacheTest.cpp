@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -112,8 +113,8 @@ TEST_F(BufferedRenderCacheTest, CopySharesCommandsOfThePreviousSide)
     const auto source = previous->getCommandBuffer();
     const auto target = cache.getRenderCache()->getCommandBuffer();
     ASSERT_EQ(target->size(), 2u);
-    EXPECT_EQ(*target->begin(), *(source->begin() + 1));
-    EXPECT_EQ(*(target->begin() + 1), *(source->begin() + 2));
+    EXPECT_EQ(*target->begin(), *std::next(source->begin()));
+    EXPECT_EQ(*std::next(target->begin()), *std::next(source->begin(), 2));
 }
 
 TEST_F(BufferedRenderCacheTest, ACopySharesTheCachesButNotTheIndices)

@@ -44,6 +44,16 @@ template <std::size_t Size> struct FilledCommand : CommandBase
     uint8_t bytes[Size];
 };
 
+/// Makes a list long enough to have an arena, and empties it: from now on its commands come from there.
+void openArena(CommandBuffer& buffer)
+{
+    for (int i = 0; i < 20; ++i)
+    {
+        buffer.add<CommandRender>();
+    }
+    buffer.clear();
+}
+
 TEST(CommandArena, KeepsCommandsOfAllSizesApart)
 {
     bool damaged = false;
@@ -80,6 +90,7 @@ TEST(CommandArena, TakesNoRoomInTheControlBlock)
 {
     // The block is the control block with its two counts and the command behind it, and one draw follows the other.
     CommandBuffer buffer;
+    openArena(buffer);
     auto* const first = reinterpret_cast<char*>(buffer.add<CommandRender>());
     auto* const second = reinterpret_cast<char*>(buffer.add<CommandRender>());
     EXPECT_LE(second - first, 32);
@@ -89,6 +100,7 @@ TEST(CommandArena, TakesNoRoomInTheControlBlock)
 TEST(CommandArena, AlignsEveryCommand)
 {
     CommandBuffer buffer;
+    openArena(buffer);
     for (int i = 0; i < 200; ++i)
     {
         EXPECT_EQ(reinterpret_cast<uintptr_t>(buffer.add<CommandRender>()) % alignof(CommandRender), 0u);
@@ -115,7 +127,7 @@ TEST(CommandArena, CommandsOutliveTheirList)
         }
         for (std::size_t i = 0; i < 10000; i += 100)
         {
-            held.push_back(*(buffer.begin() + static_cast<std::ptrdiff_t>(i)));
+            held.push_back(*std::next(buffer.begin(), static_cast<std::ptrdiff_t>(i)));
         }
     }
     for (std::size_t i = 0; i < held.size(); ++i)
@@ -127,6 +139,7 @@ TEST(CommandArena, CommandsOutliveTheirList)
 TEST(CommandArena, StartsItsChunkOverWhenAllCommandsAreGone)
 {
     CommandBuffer buffer;
+    openArena(buffer);
     buffer.add<CommandRender>();
     buffer.clear();
     const void* const first = buffer.add<CommandRender>();
@@ -141,6 +154,7 @@ TEST(CommandArena, StartsItsChunkOverWhenAllCommandsAreGone)
 TEST(CommandArena, DoesNotStartItsChunkOverWhileACommandIsHeld)
 {
     CommandBuffer buffer;
+    openArena(buffer);
     buffer.record<CommandRender>(DrawHandle(7));
     const std::shared_ptr<CommandBase> held = *buffer.begin();
     for (uint32_t i = 0; i < 1000; ++i)
@@ -149,6 +163,27 @@ TEST(CommandArena, DoesNotStartItsChunkOverWhileACommandIsHeld)
         buffer.record<CommandRender>(DrawHandle(i + 100));
     }
     EXPECT_EQ(dynamic_cast<CommandRender&>(*held).handle.id, 7u);
+}
+
+TEST(CommandArena, AShortListDoesWithout)
+{
+    // Commands of the heap stand further apart than those of an arena, and wherever there is room.
+    std::vector<std::shared_ptr<CommandBase>> held;
+    {
+        CommandBuffer buffer;
+        for (uint32_t i = 0; i < 1000; ++i)
+        {
+            buffer.clear();
+            buffer.record<CommandRender>(DrawHandle(i));
+            buffer.record<CommandRender>(DrawHandle(i + 1));
+            held.push_back(*std::next(buffer.begin()));
+        }
+    }
+    for (std::size_t i = 0; i < held.size(); ++i)
+    {
+        EXPECT_EQ(dynamic_cast<CommandRender&>(*held[i]).handle.id, i + 1);
+        EXPECT_EQ(held[i].use_count(), 1);
+    }
 }
 
 struct HeldList final : TaskInterface

@@ -1,3 +1,4 @@
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <vector>
@@ -56,7 +57,7 @@ TEST(CommandBuffer, AppendSharesTheCommandsOfTheOtherList)
     first.append(second);
     EXPECT_EQ(drawIds(first), (std::vector<uint32_t>{0, 1, 0, 1, 2}));
     EXPECT_EQ(second.size(), 3u);
-    EXPECT_EQ(*(first.begin() + 2), *second.begin());
+    EXPECT_EQ(*std::next(first.begin(), 2), *second.begin());
     EXPECT_EQ(second.begin()->use_count(), 2);
 }
 
@@ -88,7 +89,7 @@ TEST(CommandBuffer, ClearDestroysNoCommandThatIsHeldElsewhere)
     CommandBuffer holder;
     holder.append(source, SbVec2i32(1, 3));
     const std::weak_ptr<CommandBase> dropped = *source.begin();
-    const std::weak_ptr<CommandBase> held = *(source.begin() + 1);
+    const std::weak_ptr<CommandBase> held = *std::next(source.begin());
     source.clear();
     EXPECT_EQ(source.size(), 0u);
     EXPECT_TRUE(dropped.expired());

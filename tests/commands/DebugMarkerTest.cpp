@@ -1,6 +1,8 @@
 // Each operation keeps the setting for the life of the process at its first call, so each case runs in a process of its
 // own and sets the setting first.
 
+#include <iterator>
+
 #include <gtest/gtest.h>
 
 #include <kavelor/SoPreferences.h>
@@ -38,7 +40,7 @@ TEST(DebugMarker, RecordsWhenTheSettingIsOn)
     const auto* const push = dynamic_cast<const CommandPushDebugMarker*>(buffer->begin()->get());
     ASSERT_NE(push, nullptr);
     EXPECT_EQ(push->text, "scene");
-    const auto* const pop = dynamic_cast<const CommandPopDebugMarker*>((buffer->begin() + 1)->get());
+    const auto* const pop = dynamic_cast<const CommandPopDebugMarker*>(std::next(buffer->begin())->get());
     ASSERT_NE(pop, nullptr);
     EXPECT_EQ(pop->text, "");
 }

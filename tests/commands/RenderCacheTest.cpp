@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <thread>
@@ -31,7 +32,7 @@ std::vector<uint32_t> drawIds(const RenderCache& cache)
 template <class Command> const Command& lastCommand(const RenderCache& cache)
 {
     const auto buffer = cache.getCommandBuffer();
-    return dynamic_cast<const Command&>(**(buffer->end() - 1));
+    return dynamic_cast<const Command&>(**std::next(buffer->begin(), static_cast<std::ptrdiff_t>(buffer->size()) - 1));
 }
 
 struct CountingTask final : TaskInterface
