@@ -94,6 +94,42 @@ void growthEngine(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * TOTAL);
 }
 
+/// The same with a cache of its own for each frame, which has to find its memory anew.
+void freshGrowthEngine(benchmark::State& state)
+{
+    const ParkedThread parked;
+    RendererNull renderer(false);
+    for (auto _ : state)
+    {
+        for (int64_t done = 0; done < TOTAL; done += state.range(0))
+        {
+            const auto cache = std::make_shared<RenderCache>();
+            fill(*cache, state.range(0));
+            runFrame(renderer, cache);
+        }
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * TOTAL);
+}
+
+void freshGrowthFloor(benchmark::State& state)
+{
+    const ParkedThread parked;
+    FloorRenderer renderer;
+    for (auto _ : state)
+    {
+        for (int64_t done = 0; done < TOTAL; done += state.range(0))
+        {
+            FloorList list;
+            fill(list, state.range(0));
+            const FloorList frame = list;
+            executeFloor(frame, renderer);
+        }
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * TOTAL);
+}
+
 void growthFloor(benchmark::State& state)
 {
     const ParkedThread parked;
@@ -119,6 +155,8 @@ BENCHMARK(replayFloor)->Name("BM_ReplayKeptCache/floor")->Arg(1000)->Arg(20000);
 // Each size handles the same number of commands, so the times themselves show how the cost of a command grows.
 BENCHMARK(growthEngine)->Name("BM_RecordAndReplay/engine")->RangeMultiplier(10)->Range(1000, TOTAL);
 BENCHMARK(growthFloor)->Name("BM_RecordAndReplay/floor")->RangeMultiplier(10)->Range(1000, TOTAL);
+BENCHMARK(freshGrowthEngine)->Name("BM_RecordAndReplayFresh/engine")->RangeMultiplier(10)->Range(1000, TOTAL);
+BENCHMARK(freshGrowthFloor)->Name("BM_RecordAndReplayFresh/floor")->RangeMultiplier(10)->Range(1000, TOTAL);
 
 } // namespace
 

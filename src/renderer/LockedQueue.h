@@ -1,6 +1,7 @@
 #pragma once
 
-#include <deque>
+#include "renderer/RingQueue.h"
+
 #include <mutex>
 #include <utility>
 
@@ -56,7 +57,7 @@ private:
     }
 
     mutable std::mutex m_mutex;
-    std::deque<T> m_queue;
+    RingQueue<T> m_queue;
 };
 
 } // namespace renderengine

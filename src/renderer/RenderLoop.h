@@ -1,8 +1,9 @@
 #pragma once
 
+#include "renderer/RingQueue.h"
+
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <mutex>
 
@@ -53,7 +54,7 @@ private:
 
     ContextBase* m_context;
     bool m_running;
-    std::deque<std::shared_ptr<EventObject>> m_events;
+    RingQueue<std::shared_ptr<EventObject>> m_events;
     std::mutex m_mutex; // guards m_events and m_done of each event; never held while the renderer works
     std::condition_variable m_eventPushed;
     std::condition_variable m_eventDone;

@@ -2,6 +2,7 @@
 
 #include "commands/CommandBuffer.h"
 #include "commands/CommandList.h"
+#include "renderer/RingQueue.h"
 
 #include <renderengine/BufferProperties.h>
 #include <renderengine/DrawProperties.h>
@@ -29,7 +30,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -293,7 +293,7 @@ public:
 protected:
     bool m_debug;
     CommandBuffer m_resourceCommands; // ahead of every frame; guarded by m_resourceMutex
-    std::deque<std::shared_ptr<Frame>> m_frameQueue;
+    RingQueue<std::shared_ptr<Frame>> m_frameQueue;
     std::shared_ptr<Frame> m_frame; // the frame being recorded, never null
     std::mutex m_mutex;             // the frame lock: m_frameQueue, the swap of m_frame, and the running of commands
 
