@@ -2,7 +2,6 @@
 
 #include "context/Roads.h"
 #include "renderer/LogCapture.h"
-#include "renderer/RendererLog.h"
 #include "renderer/Task.h"
 
 #include <renderengine/RenderCache.h>
@@ -283,37 +282,6 @@ TEST_P(ClientMisuseThreadTest, AContextDestroyedBehindAFloodRunsItAllBeforeItsTh
     EXPECT_EQ(runs, 200);
     const Lines lines = takeWithoutFinishFrame();
     EXPECT_EQ(Lines(lines.end() - 3, lines.end()), (Lines{"destroy", "doneCurrent", "deleted"}));
-}
-
-TEST(ClientMisuseLogTest, ADiscardedDestroyKeepsTheObjectAndItsNumber)
-{
-    testing::LogCapture log;
-    testing::Trace trace;
-    testing::FakeContext context(ContextShare, trace, new RendererLog(false));
-    const SamplerHandle first = context.createSampler(SamplerProperties());
-    context.execute(true);
-    context.destroySampler(first);
-    context.discardFrame();
-    EXPECT_EQ(context.createSampler(SamplerProperties()), SamplerHandle(first.id + 1));
-    log.take();
-    context.destroySampler(first);
-    context.execute(true);
-    EXPECT_NE(log.take().find("renderengine::SamplerLog::destroy id = 0 \n"), std::string::npos);
-    EXPECT_EQ(context.createSampler(SamplerProperties()), first);
-}
-
-TEST(ClientMisuseLogTest, AHandleDestroyedTwiceInOneFrameGivesItsNumberBackOnce)
-{
-    testing::LogCapture log;
-    testing::Trace trace;
-    testing::FakeContext context(ContextShare, trace, new RendererLog(false));
-    const SamplerHandle first = context.createSampler(SamplerProperties());
-    context.execute(true);
-    context.destroySampler(first);
-    context.destroySampler(first);
-    context.execute(true);
-    EXPECT_EQ(context.createSampler(SamplerProperties()), first);
-    EXPECT_EQ(context.createSampler(SamplerProperties()), SamplerHandle(first.id + 1));
 }
 
 } // namespace
