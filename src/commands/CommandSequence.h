@@ -61,14 +61,18 @@ public:
             return former;
         }
 
-        bool operator==(const const_iterator& other) const noexcept { return m_position == other.m_position; }
-        bool operator!=(const const_iterator& other) const noexcept { return m_position != other.m_position; }
+        // The position alone would not do: the end of one block may be the start of another.
+        bool operator==(const const_iterator& other) const noexcept
+        {
+            return m_position == other.m_position && m_block == other.m_block;
+        }
+        bool operator!=(const const_iterator& other) const noexcept { return !(*this == other); }
 
     private:
         friend class CommandSequence;
 
         const_iterator(const Block* block, const Block* lastBlock) noexcept : m_lastBlock(lastBlock) { enter(block); }
-        explicit const_iterator(const Pointer* end) noexcept : m_position(end) {}
+        const_iterator(const Block* block, const Pointer* position) noexcept : m_position(position), m_block(block) {}
 
         void enter(const Block* block) noexcept
         {
@@ -132,7 +136,10 @@ public:
     {
         return m_blocksInUse == 0 ? const_iterator() : const_iterator(m_blocks.data(), &current());
     }
-    const_iterator end() const noexcept { return const_iterator(m_end); }
+    const_iterator end() const noexcept
+    {
+        return m_blocksInUse == 0 ? const_iterator() : const_iterator(&current(), m_end);
+    }
 
 private:
     const Block& current() const noexcept { return m_blocks[m_blocksInUse - 1]; }
