@@ -3,8 +3,9 @@
 
     bench_plot.py [--gates FILE] -o PICTURE.svg RESULT.json...
 
-On top a bar for the ratio of each pair, with a mark where its gate is; below, for each benchmark with arguments, the
-engine's time (solid) and the floor's (dashed) at each argument, as multiples of the engine's at the smallest.
+On top a bar for the ratio of each pair, with a mark where its gate is; below, for each benchmark whose growth has a
+gate, the engine's time (solid) and the floor's (dashed) at each argument, as multiples of the engine's at the
+smallest, with a line where that gate is. Without a gate file, of each benchmark with at least three arguments.
 """
 
 import argparse
@@ -36,7 +37,12 @@ def bars(medians, gates, top):
     limits = [gate for gate in (bench_table.gate_of(gates, pair) for pair in ratios) if gate is not None]
     scale = (WIDTH - LEFT - 60) / max([1.2, *ratios.values(), *limits])
     bottom = top + ROW * len(ratios)
-    parts = [line(LEFT + scale, top, LEFT + scale, bottom, dash="3,3"), text(LEFT + scale, top - 6, "floor", "middle")]
+    parts = [line(LEFT, bottom, WIDTH - 60, bottom), line(LEFT, top, LEFT, bottom)]
+    for step in range(int((WIDTH - LEFT - 60) / scale * 4) + 1):
+        x = LEFT + step / 4 * scale
+        parts += [line(x, bottom, x, bottom + 4), text(x, bottom + 17, f"{step / 4:g}", "middle")]
+    parts.append(text((LEFT + WIDTH - 60) / 2, bottom + 34, "time of the engine / time of the floor", "middle"))
+    parts += [line(LEFT + scale, top, LEFT + scale, bottom, dash="3,3"), text(LEFT + scale, top - 6, "floor", "middle")]
     for row, (pair, ratio) in enumerate(ratios.items()):
         y = top + ROW * row
         gate = bench_table.gate_of(gates, pair)
@@ -46,11 +52,11 @@ def bars(medians, gates, top):
         parts.append(text(LEFT + ratio * scale + 6, y + 14, f"{ratio:.2f}"))
         if gate is not None:
             parts.append(line(LEFT + gate * scale, y + 1, LEFT + gate * scale, y + ROW - 1, "#000"))
-    return parts, ROW * len(ratios)
+    return parts, ROW * len(ratios) + 34
 
 
-def series_of(medians):
-    """{benchmark: {side: [(argument, time)]}} of those with at least three arguments."""
+def series_of(medians, gates):
+    """{benchmark: {side: [(argument, time)]}} of those to be drawn as curves."""
     series = {}
     for pair, sides in medians.items():
         name, *arguments = pair.split("/")
@@ -58,17 +64,18 @@ def series_of(medians):
             for side, time in sides.items():
                 series.setdefault(name, {}).setdefault(side, []).append((int(arguments[0]), time))
     return {name: {side: sorted(points) for side, points in sides.items()} for name, sides in series.items()
-            if "engine" in sides and len(sides["engine"]) >= 3}
+            if len(sides.get("engine", [])) >= 3 and (not gates or "max_growth" in gates.get(name, {}))}
 
 
-def curves(series, top, height=220):
+def curves(series, gates, top, height=220):
     """The parts of the lower picture."""
     if not series:
         return []
     arguments = sorted({argument for sides in series.values() for points in sides.values() for argument, _ in points})
     relative = {(name, side): [(argument, time / sides["engine"][0][1]) for argument, time in points]
                 for name, sides in series.items() for side, points in sides.items()}
-    largest = max(value for points in relative.values() for _, value in points) * 1.1
+    limits = sorted({gate["max_growth"] for name, gate in gates.items() if name in series})
+    largest = max([value for points in relative.values() for _, value in points] + limits) * 1.1
     span = max(1e-9, math.log10(arguments[-1]) - math.log10(arguments[0]))
 
     def place(argument, value):
@@ -81,12 +88,20 @@ def curves(series, top, height=220):
     for step in range(int(largest * 2) + 1):
         y = place(arguments[0], step / 2)[1]
         parts += [text(LEFT - 8, y + 4, f"{step / 2:g}", "end"), line(LEFT, y, WIDTH - 60, y, "#eee")]
+    for limit in limits:
+        y = place(arguments[0], limit)[1]
+        parts += [line(LEFT, y, WIDTH - 60, y, "#000"), text(WIDTH - 56, y + 4, "gate")]
+    parts.append(text((LEFT + WIDTH - 60) / 2, top + height + 34, "argument of the benchmark", "middle"))
+    middle = top + height / 2
+    parts.append(f'<text x="{LEFT - 44}" y="{middle:.1f}" text-anchor="middle" fill="#222" '
+                 f'transform="rotate(-90 {LEFT - 44} {middle:.1f})">time, engine at the smallest = 1</text>')
     for row, ((name, side), points) in enumerate(sorted(relative.items())):
         color, dash = COLORS[row // 2 % len(COLORS)], "" if side == "engine" else "5,4"
         path = " ".join(f"{x:.1f},{y:.1f}" for x, y in (place(*point) for point in points))
         parts.append(f'<polyline points="{path}" fill="none" stroke="{color}" stroke-width="2" '
                      f'stroke-dasharray="{dash}"/>')
-        parts.append(text(12, top + 14 + ROW * row, f"{name.removeprefix('BM_')} {side}", color=color))
+        parts.append(line(12, top + 10 + ROW * row, 36, top + 10 + ROW * row, color, dash))
+        parts.append(text(42, top + 14 + ROW * row, f"{name.removeprefix('BM_')} {side}", color=color))
     return parts
 
 
@@ -102,10 +117,10 @@ def main():
             gates = json.load(file)
     medians = bench_table.read_medians(arguments.results)
     parts, height = bars(medians, gates, 50)
-    lower = curves(series_of(medians), height + 110)
+    lower = curves(series_of(medians, gates), gates, height + 110)
     parts = [text(12, 22, "Engine over floor, medians; the black mark is the gate"), *parts]
     if lower:
-        parts += [text(12, height + 90, "Growth with the number of commands, same work in all"), *lower]
+        parts += [text(12, height + 90, "Growth, the same work in all: the engine solid, the floor dashed"), *lower]
     total = height + (380 if lower else 70)
     with open(arguments.output, "w", encoding="utf-8") as file:
         file.write(f'<svg xmlns="http://www.w3.org/2000/svg" width="{WIDTH}" height="{total}" '

@@ -1,4 +1,4 @@
-"""Tests of tools/bench_table.py."""
+"""Tests of tools/bench_table.py and tools/bench_plot.py."""
 
 import json
 import pathlib
@@ -6,8 +6,10 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import xml.etree.ElementTree
 
-SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "tools/bench_table.py"
+TOOLS = pathlib.Path(__file__).resolve().parents[2] / "tools"
+SCRIPT = TOOLS / "bench_table.py"
 
 
 def result(name, cpu, real=None, unit="ns", **more):
@@ -94,6 +96,43 @@ class BenchTable(unittest.TestCase):
                              {"BM_A": {"max_ratio": 1}})
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertRegex(run.stdout, r"BM_A +3\.00 ns")
+
+
+class BenchPlot(unittest.TestCase):
+    def draw(self, results, gates):
+        with tempfile.TemporaryDirectory() as folder:
+            data, gate_file, picture = (pathlib.Path(folder, name) for name in ("r.json", "gates.json", "plot.svg"))
+            data.write_text(json.dumps({"benchmarks": results}), encoding="utf-8")
+            gate_file.write_text(json.dumps(gates), encoding="utf-8")
+            subprocess.run([sys.executable, TOOLS / "bench_plot.py", "--gates", gate_file, "-o", picture, data],
+                           check=True)
+            return xml.etree.ElementTree.parse(picture).getroot()
+
+    @staticmethod
+    def texts(picture):
+        return [element.text for element in picture if element.tag.endswith("text")]
+
+    def test_bars_stand_on_a_labelled_axis_with_their_gates(self):
+        picture = self.draw([result("BM_A/engine", 3), result("BM_A/floor", 2), result("BM_B/engine", 1),
+                             result("BM_B/floor", 2)], {"BM_A": {"max_ratio": 1.4}})
+        texts = self.texts(picture)
+        for expected in ("A", "1.50", "B", "0.50", "floor", "time of the engine / time of the floor"):
+            self.assertIn(expected, texts)
+        bars = [element for element in picture if element.tag.endswith("rect")][1:]
+        self.assertEqual([bar.get("fill") for bar in bars], ["#d62728", "#1f77b4"])
+        marks = [element for element in picture if element.get("stroke") == "#000"]
+        self.assertEqual(len(marks), 1)
+        self.assertAlmostEqual((float(marks[0].get("x1")) - 300) / float(bars[0].get("width")), 1.4 / 1.5, places=2)
+
+    def test_growth_is_drawn_below_with_its_gate(self):
+        results = [result(f"BM_{name}/{side}/{argument}", argument)
+                   for name in "AB" for argument in (10, 100, 1000) for side in ("engine", "floor")]
+        picture = self.draw(results, {"BM_A": {"max_growth": 2}})
+        texts = self.texts(picture)
+        for expected in ("A engine", "A floor", "gate", "1,000", "argument of the benchmark"):
+            self.assertIn(expected, texts)
+        self.assertNotIn("B engine", texts)
+        self.assertEqual(len([element for element in picture if element.tag.endswith("polyline")]), 2)
 
 
 if __name__ == "__main__":
