@@ -1,0 +1,30 @@
+# Puts the code of docs/shader-contract.md into a header, so that a test compiles and draws what the document shows.
+
+set(document ${PROJECT_SOURCE_DIR}/docs/shader-contract.md)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${document})
+file(READ ${document} document_text)
+
+# The lines of the code block behind "<!-- begin NAME -->".
+function(read_example name variable)
+  set(mark "<!-- begin ${name} -->")
+  string(FIND "${document_text}" "${mark}" begin)
+  if(begin LESS 0)
+    message(FATAL_ERROR "${document} has no example \"${name}\"")
+  endif()
+  string(SUBSTRING "${document_text}" ${begin} -1 rest)
+  string(FIND "${rest}" "\n```" fence)
+  math(EXPR fence "${fence} + 1")
+  string(SUBSTRING "${rest}" ${fence} -1 rest)
+  string(FIND "${rest}" "\n" line)
+  math(EXPR line "${line} + 1")
+  string(SUBSTRING "${rest}" ${line} -1 rest)
+  string(FIND "${rest}" "```\n" end)
+  string(SUBSTRING "${rest}" 0 ${end} code)
+  set(${variable} "${code}" PARENT_SCOPE)
+endfunction()
+
+read_example("client" EXAMPLE_CLIENT)
+read_example("vertex shader, uniform blocks" EXAMPLE_UNIFORM)
+read_example("vertex shader, storage blocks" EXAMPLE_STORAGE)
+read_example("fragment shader" EXAMPLE_FRAGMENT)
+configure_file(ShaderContractExample.h.in ShaderContractExample.h @ONLY)
