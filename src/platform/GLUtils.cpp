@@ -38,9 +38,8 @@ bool s_bindingInitialized = false;
 constexpr int s_makeCurrentTries = 5;
 
 /// Logs a failed call of the window system with the reason that it gives.
-void reportPlatformError(const char* function, const std::string& text)
+void reportPlatformError(const char* function, const std::string& text, unsigned long error)
 {
-    const unsigned long error = platform().lastError();
     std::string reason = platform().errorText(error);
     if (reason.empty())
     {
@@ -248,7 +247,8 @@ HGLRC createContextAttribs(HDC display, PIXELFORMATDESCRIPTOR* /*visualInfo*/, H
     const HGLRC context = s_createContextAttribs(display, shared, attributes.empty() ? nullptr : attributes.data());
     if (!context)
     {
-        reportPlatformError("renderengine::utils::GL::createContext", "wglCreateContextAttribsARB");
+        reportPlatformError("renderengine::utils::GL::createContext", "wglCreateContextAttribsARB",
+                            platform().lastError());
         return nullptr;
     }
     // An earlier context may have left tables behind on this thread, and its address to this one.
@@ -270,10 +270,12 @@ bool makeCurrent(HDC display, int /*drawable*/, HGLRC context)
             return true;
         }
     }
+    // Asking for the thread's number clears the reason on Windows.
+    const unsigned long error = platform().lastError();
     std::ostringstream text;
     text << "Thread " << std::this_thread::get_id() << " Context " << static_cast<const void*>(context) << " Display "
          << static_cast<const void*>(display);
-    reportPlatformError("renderengine::utils::GL::makeCurrent", text.str());
+    reportPlatformError("renderengine::utils::GL::makeCurrent", text.str(), error);
     return false;
 }
 
@@ -282,7 +284,7 @@ bool destroyContext(HDC /*display*/, HGLRC context)
     ContextGL::destroyContext(context);
     if (!context || !platform().deleteContext(context))
     {
-        reportPlatformError("renderengine::utils::GL::destroyContext", "wglDeleteContext");
+        reportPlatformError("renderengine::utils::GL::destroyContext", "wglDeleteContext", platform().lastError());
         return false;
     }
     return true;

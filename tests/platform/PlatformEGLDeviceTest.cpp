@@ -3,6 +3,7 @@
 #include "platform/PlatformLayer.h"
 #include "platform/RenderingWindow.h"
 #include "support/LogLines.h"
+#include "support/Triangle.h"
 
 #include <renderengine/GLUtils.h>
 
@@ -27,20 +28,22 @@ namespace
 class HostContext
 {
 public:
-    HostContext()
+    explicit HostContext(EGLenum api = EGL_OPENGL_API)
     {
         m_display = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
         eglInitialize(m_display, nullptr, nullptr);
-        eglBindAPI(EGL_OPENGL_API);
-        const EGLint wanted[] = {
-            EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_DEPTH_SIZE, 24, EGL_NONE};
+        eglBindAPI(api);
+        const EGLint renderable = api == EGL_OPENGL_API ? EGL_OPENGL_BIT : EGL_OPENGL_ES3_BIT;
+        const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, renderable, EGL_DEPTH_SIZE, 24,
+                                 EGL_NONE};
         EGLConfig config = nullptr;
         EGLint count = 0;
         eglChooseConfig(m_display, wanted, &config, 1, &count);
         const EGLint size[] = {EGL_WIDTH, 4, EGL_HEIGHT, 4, EGL_NONE};
         m_draw = eglCreatePbufferSurface(m_display, config, size);
         m_read = eglCreatePbufferSurface(m_display, config, size);
-        m_context = eglCreateContext(m_display, config, EGL_NO_CONTEXT, nullptr);
+        const EGLint version[] = {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_NONE};
+        m_context = eglCreateContext(m_display, config, EGL_NO_CONTEXT, api == EGL_OPENGL_API ? nullptr : version);
         eglMakeCurrent(m_display, m_draw, m_read, m_context);
     }
     ~HostContext()
@@ -104,6 +107,28 @@ TEST(PlatformEGLDeviceTest, HostIsSharedWithAndPutBackWithItsSurfaces)
     EXPECT_TRUE(host.isCurrentWithItsSurfaces());
     EXPECT_EQ(glIsBuffer(buffer), GL_TRUE);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+}
+
+TEST(PlatformEGLDeviceTest, HostOfOpenGLESIsPutBackWithItsSurfaces)
+{
+    const HostContext host(EGL_OPENGL_ES_API);
+    ASSERT_TRUE(host.isCurrentWithItsSurfaces());
+    ContextGL engine(ContextShare);
+    engine.init();
+    EXPECT_GE(engine.getContextInfo().version, 410);
+    EXPECT_TRUE(host.isCurrentWithItsSurfaces());
+    EXPECT_TRUE(testing::isTriangle(testing::drawTriangle(engine)));
+    EXPECT_TRUE(host.isCurrentWithItsSurfaces());
+    EXPECT_EQ(eglQueryAPI(), static_cast<EGLenum>(EGL_OPENGL_ES_API));
+}
+
+TEST(PlatformEGLDeviceTest, AnInlineFramePutsTheHostBackWithItsSurfaces)
+{
+    const HostContext host;
+    ContextGL engine(ContextShare);
+    engine.init();
+    EXPECT_TRUE(testing::isTriangle(testing::drawTriangle(engine)));
+    EXPECT_TRUE(host.isCurrentWithItsSurfaces());
 }
 
 TEST(PlatformEGLDeviceTest, InfoBeforeInitPutsTheHostBack)
