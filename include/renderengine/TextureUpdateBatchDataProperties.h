@@ -36,7 +36,8 @@ struct TextureUpdateBatchData
     uint8_t face = 0;
     /// Index of the pixel format of `data`; 8 is RGBA.
     uint32_t format = 8;
-    /// Type of a component of `data`.
+    /// Type of a component of `data`. Pixels of depth and stencil (`format` 2) are packed as their texture is:
+    /// UNSIGNED_INT for 4 bytes a pixel (DEPTH24_STENCIL8), FLOAT for 8 (DEPTH32F_STENCIL8); GL refuses other types.
     SbDataType dataType{SbDataType::UNSIGNED_BYTE};
     /// Pixels from one row of `data` to the next; 0 means tightly packed.
     uint32_t rowLength = 0;

@@ -19,6 +19,9 @@ constexpr uint32_t Texture3D = 6;
 constexpr uint32_t TextureCubeMap = 7;
 constexpr uint32_t TextureCubeMapArray = 8;
 
+/// Value of TextureUpdateBatchData::format.
+constexpr uint32_t DepthStencilFormat = 2;
+
 /// Values of TextureProperties::internalFormat whose pixels are packed.
 constexpr uint32_t Depth24Stencil8 = 84;
 constexpr uint32_t Depth32FStencil8 = 85;
@@ -81,6 +84,12 @@ uint32_t componentCount(uint32_t format)
 uint32_t bytesPerPixel(uint32_t format, SbDataType dataType)
 {
     return componentCount(format) * dataType.getSize();
+}
+
+uint32_t batchPixelSize(uint32_t format, SbDataType dataType)
+{
+    const bool isDepth24Stencil8 = format == DepthStencilFormat && dataType == SbDataType(SbDataType::UNSIGNED_INT);
+    return isDepth24Stencil8 ? 4 : bytesPerPixel(format, dataType);
 }
 
 uint32_t bytesPerPixel(uint32_t format, SbDataType dataType, uint32_t internalFormat)
@@ -211,7 +220,7 @@ std::vector<DataBlock> copyTexturePixels(const TextureProperties& properties)
 
 DataBlock copyBatchEntryPixels(const TextureUpdateBatchData& entry)
 {
-    const uint64_t pixelSize = bytesPerPixel(entry.format, entry.dataType);
+    const uint64_t pixelSize = batchPixelSize(entry.format, entry.dataType);
     const uint64_t rowSize = pixelSize * entry.width;
     // An update of fewer dimensions does not look at the sizes of the others.
     const uint64_t uploaded =

@@ -26,6 +26,10 @@ uint32_t bytesPerPixel(uint32_t format, SbDataType dataType);
 /// DEPTH24_STENCIL8 (84), 8 bytes for DEPTH32F_STENCIL8 (85).
 uint32_t bytesPerPixel(uint32_t format, SbDataType dataType, uint32_t internalFormat);
 
+/// Bytes of a pixel of a partial update, which does not know its texture. Depth and stencil are always packed together:
+/// UNSIGNED_INT stands for the 4 bytes of DEPTH24_STENCIL8.
+uint32_t batchPixelSize(uint32_t format, SbDataType dataType);
+
 /// How the pixel blocks of a texture are ordered: level by level, faces inside a level.
 struct PixelBlockCount
 {

@@ -3,6 +3,7 @@
 #include "gl/GLTables.h"
 #include "gl/TextureGL.h"
 
+#include <kavelor/SoPreferences.h>
 #include <spdlog/spdlog.h>
 
 #include <algorithm>
@@ -79,8 +80,34 @@ void RenderTargetGL::rebuild()
     {
         glEnable(GL_FRAMEBUFFER_SRGB);
     }
+    if (SoPreferences::getBool("KVR_RENDERENGINE_CHECK_FRAMEBUFFER", false))
+    {
+        checkAttachments();
+    }
     glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(bound));
     setDirty(false);
+}
+
+void RenderTargetGL::checkAttachments() const
+{
+    ColorTextures colorTextures{};
+    const TextureGL* depth = nullptr;
+    const TextureGL* stencil = nullptr;
+    const TextureGL* depthStencil = nullptr;
+    const size_t count = std::min(properties.attachments.size(), textures.size());
+    for (size_t i = 0; i < count; ++i)
+    {
+        const uint32_t index = properties.attachments[i].attachment;
+        const TextureGL* texture = textures[i].get();
+        if (index < s_colorAttachments)
+        {
+            colorTextures[index] = texture;
+        }
+        depth = index == s_depthIndex ? texture : depth;
+        stencil = index == s_stencilIndex ? texture : stencil;
+        depthStencil = index == s_depthStencilIndex ? texture : depthStencil;
+    }
+    checkFramebuffer(colorTextures, depth, stencil, depthStencil);
 }
 
 std::vector<GLenum> RenderTargetGL::attachTextures()

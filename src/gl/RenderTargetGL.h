@@ -44,7 +44,8 @@ public:
     void detachAll() const;
 
     /// Diagnostic for developers: logs why the bound framebuffer is not complete, and what looks wrong about the
-    /// textures and the state. No path of the engine calls it. Null entries stand for attachments that are not there.
+    /// textures and the state. Null entries stand for attachments that are not there. The engine calls it after each
+    /// rebuild when `KVR_RENDERENGINE_CHECK_FRAMEBUFFER` is on, and never otherwise.
     static void checkFramebuffer(const ColorTextures& colorTextures, const TextureGL* depth, const TextureGL* stencil,
                                  const TextureGL* depthStencil);
 
@@ -69,6 +70,7 @@ private:
 
     bool needsRebuild() const;
     std::vector<GLenum> attachTextures();
+    void checkAttachments() const;
     void noteAttachment(uint32_t index, std::vector<GLenum>& drawBuffers);
     static void attach(const Attachment& attachment, GLuint texture);
     static void setDrawBuffers(const std::vector<GLenum>& drawBuffers);

@@ -74,17 +74,19 @@ GLenum planeName(GLenum mode)
 
 void applyTexGenUnit(const TexGenUnitProperties& unit)
 {
-    const GLenum* mode = gltables::textureGenerationModes.find(unit.mode);
-    if (!mode)
-    {
-        return;
-    }
-    const GLenum plane = planeName(*mode);
+    const unsigned generated = unit.coordinateMask & ((1u << s_coordinates) - 1);
+    // The mode of a unit that generates nothing says nothing.
+    const GLenum* mode = generated != 0 ? gltables::textureGenerationModes.find(unit.mode) : nullptr;
+    const GLenum plane = mode ? planeName(*mode) : GL_NONE;
     for (unsigned c = 0; c < s_coordinates; ++c)
     {
-        if ((unit.coordinateMask & (1u << c)) == 0)
+        if ((generated & (1u << c)) == 0)
         {
             glDisable(GL_TEXTURE_GEN_S + c);
+            continue;
+        }
+        if (!mode)
+        {
             continue;
         }
         glEnable(GL_TEXTURE_GEN_S + c);

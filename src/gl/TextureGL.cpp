@@ -1,5 +1,6 @@
 #include "gl/TextureGL.h"
 
+#include "commands/PixelLayout.h"
 #include "gl/GLTables.h"
 #include "gl/TextureFormatGL.h"
 
@@ -7,9 +8,9 @@
 #include <spdlog/spdlog.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <initializer_list>
 #include <limits>
-#include <new>
 
 namespace renderengine
 {
@@ -177,7 +178,17 @@ void TextureGL::updateImage(const TextureUpdateBatchData& image)
     const ScopedBinding binding(target, bindingQuery, id);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, static_cast<GLint>(image.rowLength));
     glPixelStorei(GL_UNPACK_IMAGE_HEIGHT, static_cast<GLint>(image.imageHeight));
-    sendSubImage(image, *imageFormat, *imageType);
+    sendSubImage(image, *imageFormat, packedType(image, *imageType));
+}
+
+GLenum TextureGL::packedType(const TextureUpdateBatchData& image, GLenum imageType) const
+{
+    constexpr uint32_t depthStencilFormat = 2;
+    const bool isPacked = type == GL_UNSIGNED_INT_24_8 || type == GL_FLOAT_32_UNSIGNED_INT_24_8_REV;
+    // GL takes both values of a pixel in the texture's packing only. Pixels of another size stay with the plain type,
+    // which GL refuses without reading them.
+    const bool fits = batchPixelSize(image.format, image.dataType) == getReadbackPixelSize();
+    return isPacked && image.format == depthStencilFormat && fits ? type : imageType;
 }
 
 void TextureGL::sendSubImage(const TextureUpdateBatchData& image, GLenum imageFormat, GLenum imageType) const
@@ -261,25 +272,40 @@ void TextureGL::generateMipmap()
     glGenerateMipmap(target);
 }
 
+bool TextureGL::makeReadbackBlock()
+{
+    // What GL refused to store anew keeps its former size, and GL writes as much as it stores. It is asked where it may
+    // have refused: after a larger size, and for blocks that are worth a question.
+    constexpr uint64_t largeBlock = 1u << 26;
+    uint64_t pixelCount = getPixelCount();
+    if (largestPixelCount > pixelCount || getDataSize() > largeBlock)
+    {
+        const uint64_t storedPixelCount = getStoredPixelCount();
+        largestPixelCount = std::max(pixelCount, storedPixelCount);
+        pixelCount = storedPixelCount;
+    }
+    const uint64_t blockSize = std::max<uint64_t>(1, saturatingProduct({pixelCount, getReadbackPixelSize()}));
+    // Some heaps complain loudly about more than there are addresses.
+    const bool isPossible = blockSize <= static_cast<uint64_t>(std::numeric_limits<std::ptrdiff_t>::max());
+    readbackData.reset(isPossible ? static_cast<std::byte*>(std::calloc(blockSize, 1)) : nullptr);
+    if (!readbackData)
+    {
+        spdlog::error("[TextureGL] There is no memory for {} bytes of read-back data.", blockSize);
+        return false;
+    }
+    readbackSize = blockSize;
+    return true;
+}
+
 void TextureGL::readback()
 {
     if (target == 0)
     {
         return;
     }
-    if (!readbackData)
+    if (!readbackData && !makeReadbackBlock())
     {
-        // What GL refused to store anew keeps its former size, and GL writes as much as it stores.
-        const uint64_t blockSize =
-            std::max(getDataSize(), saturatingProduct({largestPixelCount, getReadbackPixelSize()}));
-        // Sizes that GL refused are still the texture's sizes, so the block may be more than there is memory.
-        readbackData.reset(new (std::nothrow) std::byte[blockSize]());
-        if (!readbackData)
-        {
-            spdlog::error("[TextureGL] There is no memory for {} bytes of read-back data.", blockSize);
-            return;
-        }
-        readbackSize = blockSize;
+        return;
     }
     GLint savedBinding = 0;
     GLint savedAlignment = 0;
@@ -289,7 +315,7 @@ void TextureGL::readback()
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     if (target == GL_TEXTURE_CUBE_MAP)
     {
-        const uint64_t faceSize = getPixelCount() * getReadbackPixelSize() / s_faceCount;
+        const uint64_t faceSize = readbackSize / s_faceCount;
         for (uint32_t face = 0; face < s_faceCount; ++face)
         {
             glGetTexImage(GL_TEXTURE_CUBE_MAP_POSITIVE_X + face, 0, format, type, readbackData.get() + face * faceSize);
@@ -319,6 +345,23 @@ uint64_t TextureGL::getPixelCount() const
     default:
         return saturatingProduct({width, height});
     }
+}
+
+uint64_t TextureGL::getStoredPixelCount() const
+{
+    const bool isCube = target == GL_TEXTURE_CUBE_MAP;
+    const GLenum image = isCube ? GL_TEXTURE_CUBE_MAP_POSITIVE_X : target;
+    std::array<GLint, 3> sizes{};
+    const ScopedBinding binding(target, bindingQuery, id);
+    glGetTexLevelParameteriv(image, 0, GL_TEXTURE_WIDTH, &sizes[0]);
+    glGetTexLevelParameteriv(image, 0, GL_TEXTURE_HEIGHT, &sizes[1]);
+    glGetTexLevelParameteriv(image, 0, GL_TEXTURE_DEPTH, &sizes[2]);
+    uint64_t count = isCube ? s_faceCount : 1;
+    for (const GLint size : sizes)
+    {
+        count = saturatingProduct({count, static_cast<uint64_t>(std::max(size, 0))});
+    }
+    return count;
 }
 
 uint64_t TextureGL::getDataSize() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "commands/DataBlock.h"
 #include "gl/BaseResourceGL.h"
 
 #include <glbinding/gl.h>
@@ -36,7 +37,7 @@ public:
     void resize(uint32_t newWidth, uint32_t newHeight, uint32_t newDepth);
     /// glGenerateMipmap, with seamless cube maps switched on for good.
     void generateMipmap();
-    /// Reads level 0 into the read-back block.
+    /// Reads level 0 into the read-back block, which is as large as what GL stores.
     void readback();
     /// Bytes of level 0 in the texture's pixel format and type.
     uint64_t getDataSize() const;
@@ -77,9 +78,12 @@ private:
     bool fillFields(const TextureProperties& properties);
     void setParameters(const TextureProperties& properties) const;
     void updateImage(const TextureUpdateBatchData& image);
+    GLenum packedType(const TextureUpdateBatchData& image, GLenum imageType) const;
     void sendSubImage(const TextureUpdateBatchData& image, GLenum imageFormat, GLenum imageType) const;
+    bool makeReadbackBlock();
     void freeReadback();
     uint64_t getPixelCount() const;
+    uint64_t getStoredPixelCount() const;
     uint64_t getReadbackPixelSize() const;
 
     // Storage and images; the texture is bound.
@@ -106,9 +110,10 @@ private:
     GLenum format = GL_RGBA;
     GLenum type = GL_UNSIGNED_BYTE;
     std::array<GLint, 4> swizzle{{GL_RED, GL_GREEN, GL_BLUE, GL_ALPHA}};
-    std::unique_ptr<std::byte[]> readbackData;
+    // From calloc, which writes no page of a large block that GL then does not fill.
+    std::unique_ptr<std::byte[], FreeDeleter> readbackData;
     uint64_t readbackSize = 0;
-    uint64_t largestPixelCount = 0; // of all sizes given since the name was made
+    uint64_t largestPixelCount = 0; // of all sizes given since the name was made or GL was asked
 };
 
 } // namespace renderengine

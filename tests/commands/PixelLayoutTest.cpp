@@ -220,6 +220,23 @@ TEST(PixelLayout, GivesABatchEntryRoomForSixFacesOfZeros)
     EXPECT_EQ(bytesOf(copyBatchEntryPixels(entry), 12), (std::vector<uint8_t>{1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
+TEST(PixelLayout, CopiesPackedDepthStencilPixelsOfABatchEntryAsAWhole)
+{
+    const std::vector<uint8_t> pixels = countingBytes(8);
+    TextureUpdateBatchData entry;
+    entry.width = 1;
+    entry.height = 2;
+    entry.depth = 1;
+    entry.format = 2;
+    entry.dataType = SbDataType::UNSIGNED_INT;
+    entry.data = pixels.data();
+    std::vector<uint8_t> expected = pixels;
+    expected.resize(2 * 4 * 6, 0);
+    EXPECT_EQ(bytesOf(copyBatchEntryPixels(entry), expected.size()), expected);
+    EXPECT_EQ(batchPixelSize(2, SbDataType::FLOAT), 8u);
+    EXPECT_EQ(batchPixelSize(0, SbDataType::UNSIGNED_INT), 4u);
+}
+
 TEST(PixelLayout, CopiesAnEmptyBoxAndANullPointerAsZeros)
 {
     const uint8_t pixel = 9;

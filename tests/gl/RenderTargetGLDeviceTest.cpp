@@ -3,6 +3,8 @@
 #include "gl/RenderTargetGL.h"
 #include "gl/TextureGL.h"
 
+#include <kavelor/SoPreferences.h>
+
 #include <array>
 
 namespace renderengine
@@ -15,6 +17,15 @@ using Pixel = std::array<uint8_t, 4>;
 
 constexpr uint8_t s_depth = 17;
 constexpr uint8_t s_depthStencil = 19;
+
+/// Turns the check of framebuffers on for a scope.
+struct CheckSetting
+{
+    CheckSetting() { SoPreferences::setBool("KVR_RENDERENGINE_CHECK_FRAMEBUFFER", true); }
+    ~CheckSetting() { SoPreferences::unset("KVR_RENDERENGINE_CHECK_FRAMEBUFFER"); }
+    CheckSetting(const CheckSetting&) = delete;
+    CheckSetting& operator=(const CheckSetting&) = delete;
+};
 
 class RenderTargetGLDeviceTest : public ResourceDeviceTest
 {
@@ -226,6 +237,28 @@ TEST_F(RenderTargetGLDeviceTest, TheUnusableIndexIsRefusedByTheDriver)
     target.update(properties, textures);
     EXPECT_FALSE(device.takeErrors().empty());
     target.destroy();
+}
+
+TEST_F(RenderTargetGLDeviceTest, TheSettingTellsWhyATargetIsNotComplete)
+{
+    const CheckSetting setting;
+    // A colour format cannot be a depth buffer.
+    add(s_depth, makeTexture());
+    target.update(properties, textures);
+    EXPECT_EQ(log.take(),
+              (Texts{"error: [RenderTargetGL] Framebuffer is not complete (GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT).",
+                     "warning: Texture attached to DEPTH_ATTACHMENT has not a depth format."}));
+    EXPECT_EQ(integer(GL_FRAMEBUFFER_BINDING), 0);
+    device.takeErrors();
+}
+
+TEST_F(RenderTargetGLDeviceTest, TheSettingSaysNothingOfACompleteTarget)
+{
+    const CheckSetting setting;
+    add(0, makeTexture());
+    add(s_depthStencil, makeTexture(2, 84));
+    build();
+    EXPECT_EQ(log.take(), Texts{});
 }
 
 TEST_F(RenderTargetGLDeviceTest, TheCheckNamesAnIncompleteFramebuffer)

@@ -4,6 +4,8 @@
 
 #include "gl/TextureGL.h"
 
+#include <kavelor/SoPreferences.h>
+
 namespace renderengine
 {
 
@@ -13,6 +15,15 @@ namespace
 constexpr uint8_t s_depth = 17;
 constexpr uint8_t s_stencil = 18;
 constexpr uint8_t s_depthStencil = 19;
+
+/// Turns the check of framebuffers on for a scope.
+struct CheckSetting
+{
+    CheckSetting() { SoPreferences::setBool("KVR_RENDERENGINE_CHECK_FRAMEBUFFER", true); }
+    ~CheckSetting() { SoPreferences::unset("KVR_RENDERENGINE_CHECK_FRAMEBUFFER"); }
+    CheckSetting(const CheckSetting&) = delete;
+    CheckSetting& operator=(const CheckSetting&) = delete;
+};
 
 class RenderTargetGLTest : public GLRecordingTest
 {
@@ -417,6 +428,48 @@ TEST_F(RenderTargetGLTest, CheckAcceptsTheUsualFormats)
         EXPECT_EQ(log.take(),
                   Texts{"error: [RenderTargetGL] Framebuffer is not complete (GL_FRAMEBUFFER_UNSUPPORTED)."});
     }
+}
+
+TEST_F(RenderTargetGLTest, TheSettingChecksEachRebuildWhileTheFramebufferIsBound)
+{
+    const CheckSetting setting;
+    add(15, texture(2, 59));
+    add(0, texture());
+    add(s_depth, texture());
+    add(s_stencil, texture());
+    add(s_depthStencil, texture());
+    gl.answer(GL_DRAW_BUFFER, int64_t{0});
+    gl.answer(GL_READ_BUFFER, int64_t{1});
+    gl.answer(GL_DEPTH_WRITEMASK, int64_t{1});
+    gl.fail("glCheckFramebufferStatus");
+    update();
+    const Texts findings{"error: [RenderTargetGL] Framebuffer is not complete (GL_FRAMEBUFFER_UNSUPPORTED).",
+                         "warning: Texture attached to COLOR_ATTACHEMENT15 has not a color format.",
+                         "warning: Texture attached to DEPTH_ATTACHMENT has not a depth format.",
+                         "warning: Texture attached to STENCIL_ATTACHMENT has not a stencil format.",
+                         "warning: Texture attached to DEPTH_STENCIL_ATTACHMENT has not a depth_stencil format.",
+                         "warning: GL_DRAW_BUFFER is set to GL_NONE whereas there are color attachment."};
+    EXPECT_EQ(log.take(), findings);
+    const Texts calls = gl.takeCalls();
+    ASSERT_GE(calls.size(), 5u);
+    EXPECT_EQ(Texts(calls.end() - 5, calls.end()),
+              (Texts{"glCheckFramebufferStatus(GL_FRAMEBUFFER)", "glGetBooleanv(GL_DRAW_BUFFER, <pointer>)",
+                     "glGetBooleanv(GL_READ_BUFFER, <pointer>)", "glGetBooleanv(GL_DEPTH_WRITEMASK, <pointer>)",
+                     "glBindFramebuffer(GL_FRAMEBUFFER, 0)"}));
+    // A bind without a rebuild checks nothing.
+    target.bind();
+    EXPECT_EQ(log.take(), Texts{});
+    target.setDirty(true);
+    target.bind();
+    EXPECT_EQ(log.take(), findings);
+}
+
+TEST_F(RenderTargetGLTest, WithoutTheSettingNothingIsChecked)
+{
+    gl.fail("glCheckFramebufferStatus");
+    add(0, texture(2, 59));
+    update();
+    EXPECT_EQ(gl.countOf("glCheckFramebufferStatus"), 0u);
 }
 
 TEST_F(RenderTargetGLTest, CheckNamesEachStatus)

@@ -168,6 +168,32 @@ TEST_F(ShaderGLDeviceTest, EveryStageCompiles)
     }
 }
 
+TEST_F(ShaderGLDeviceTest, EveryStageLinks)
+{
+    link({compile(Vertex, "#version 410\nin vec4 position;\nvoid main() { gl_Position = position; }"),
+          compile(TessControl, "#version 410\nlayout(vertices = 3) out;\nuniform float level;\nvoid main()\n"
+                               "{ gl_TessLevelOuter[0] = gl_TessLevelOuter[1] = gl_TessLevelOuter[2] = level;\n"
+                               "gl_TessLevelInner[0] = level;\n"
+                               "gl_out[gl_InvocationID].gl_Position = gl_in[gl_InvocationID].gl_Position; }"),
+          compile(TessEvaluation, "#version 410\nlayout(triangles) in;\nuniform float height;\nvoid main()\n"
+                                  "{ gl_Position = gl_in[0].gl_Position * gl_TessCoord.x * height; }"),
+          compile(Geometry, "#version 410\nlayout(triangles) in;\nlayout(points, max_vertices = 1) out;\n"
+                            "uniform vec4 shift;\nvoid main()\n"
+                            "{ gl_Position = gl_in[0].gl_Position + shift; EmitVertex(); }"),
+          compile(Fragment, "#version 410\nuniform vec4 tone;\nout vec4 color;\nvoid main() { color = tone; }")});
+    EXPECT_EQ(program.getUniforms().size(), 4u);
+    for (const char* name : {"level", "height", "shift", "tone"})
+    {
+        EXPECT_GE(program.getUniformLocation(name), 0) << name;
+    }
+    EXPECT_GE(program.getAttribLocation("position"), 0);
+    program.destroy();
+    link({compile(Compute, "#version 430\nlayout(local_size_x = 1) in;\nlayout(rgba8) uniform image2D picture;\n"
+                           "uniform vec4 tone;\nvoid main() { imageStore(picture, ivec2(0), tone); }")});
+    EXPECT_GE(program.getUniformLocation("picture"), 0);
+    EXPECT_GE(program.getUniformLocation("tone"), 0);
+}
+
 TEST_F(ShaderGLDeviceTest, AFailedCompileKeepsItsNameAndTellsWhy)
 {
     ShaderObjectProperties properties;

@@ -202,6 +202,38 @@ TEST_F(StateFixedFunctionGLTest, TexGenSendsEightUnitsAndLeavesUnitZeroActive)
     EXPECT_EQ(gl.takeCalls(), expected);
 }
 
+TEST_F(StateFixedFunctionGLTest, ATexGenModeOutsideTheTableIsReportedAndSkipsWhatItWouldGenerate)
+{
+    TexGenProperties texGen;
+    texGen.units[1].mode = 5;
+    texGen.units[1].coordinateMask = 2u;
+    EXPECT_DEBUG_DEATH(
+        {
+            state.applyState(texGen);
+            const Texts calls = gl.takeCalls();
+            EXPECT_EQ(
+                Texts(calls.begin() + 6, calls.begin() + 11),
+                (Texts{"glActiveTexture(GL_TEXTURE1)", "glDisable(GL_TEXTURE_GEN_S)", "glDisable(GL_TEXTURE_GEN_R)",
+                       "glDisable(GL_TEXTURE_GEN_Q)", "glActiveTextureARB(GL_TEXTURE0)"}));
+            EXPECT_EQ(calls.size(), 8u * 6);
+            EXPECT_EQ(log.take(),
+                      Texts{"error: [RendererGL] The texture generation mode index 5 is outside its table of 5 "
+                            "entries."});
+        },
+        "index outside its table");
+}
+
+TEST_F(StateFixedFunctionGLTest, ATexGenModeOutsideTheTableDoesNotMatterWhereNothingIsGenerated)
+{
+    TexGenProperties texGen;
+    texGen.units[1].mode = 0xFFFFFFFF;
+    // Only the low four bits are coordinates.
+    texGen.units[1].coordinateMask = 0xF0;
+    state.applyState(texGen);
+    EXPECT_EQ(gl.countOf("glDisable("), 32u);
+    EXPECT_EQ(gl.countOf("glEnable("), 0u);
+}
+
 TEST_F(StateFixedFunctionGLTest, TexEnvSendsTheModesOfFourUnits)
 {
     TexEnvProperties texEnv;

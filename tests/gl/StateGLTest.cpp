@@ -379,6 +379,37 @@ TEST_F(StateGLTest, DepthFunctionIsSentWithTheTestOff)
                                             "glDepthFunc(GL_LEQUAL)", "glDisable(GL_STENCIL_TEST)"}));
 }
 
+TEST_F(StateGLTest, ADepthFunctionOutsideTheTableIsReportedAndSkipped)
+{
+    DepthStencilProperties depthStencil;
+    depthStencil.depthFunc = 8;
+    EXPECT_DEBUG_DEATH(
+        {
+            state.applyState(depthStencil);
+            EXPECT_EQ(gl.takeCalls(),
+                      (Texts{"glEnable(GL_DEPTH_TEST)", "glDepthMask(GL_TRUE)", "glDisable(GL_STENCIL_TEST)"}));
+            EXPECT_EQ(log.take(),
+                      Texts{"error: [RendererGL] The comparison index 8 is outside its table of 8 entries."});
+        },
+        "index outside its table");
+}
+
+TEST_F(StateGLTest, StencilIndicesOutsideTheTablesAreReportedAndSkipped)
+{
+    StencilProperties stencil;
+    stencil.func = 0xFFFFFFFF;
+    stencil.depthFail = 8;
+    EXPECT_DEBUG_DEATH(
+        {
+            state.applyState(stencil, GL_BACK);
+            EXPECT_EQ(gl.takeCalls(), Texts{"glStencilMaskSeparate(GL_BACK, 4294967295)"});
+            EXPECT_EQ(log.take(),
+                      (Texts{"error: [RendererGL] The comparison index 4294967295 is outside its table of 8 entries.",
+                             "error: [RendererGL] The stencil operation index 8 is outside its table of 8 entries."}));
+        },
+        "index outside its table");
+}
+
 TEST_F(StateGLTest, StencilSendsFrontThenBack)
 {
     DepthStencilProperties depthStencil;

@@ -11,8 +11,6 @@ namespace renderengine
 namespace
 {
 
-constexpr uint32_t s_rgba = 8;
-
 struct Case
 {
     uint32_t type;
@@ -298,6 +296,55 @@ TEST_F(TextureGLDeviceTest, DepthStencilPixelsOfEightBytesAreReadWhole)
     texture.destroy();
 }
 
+TEST_F(TextureGLDeviceTest, UpdateImagesReplacesDepthAndStencilTogether)
+{
+    const struct
+    {
+        uint32_t internalFormat;
+        SbDataType::Type dataType;
+        size_t pixelBytes;
+        size_t comparedBytes;
+    } rows[] = {{84, SbDataType::UNSIGNED_INT, 4, 4}, {85, SbDataType::FLOAT, 8, 5}};
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.internalFormat);
+        TextureProperties properties;
+        properties.width = 3;
+        properties.height = 2;
+        properties.format = 2;
+        properties.internalFormat = row.internalFormat;
+        TextureGL texture(properties);
+        std::vector<uint8_t> pixels(6 * row.pixelBytes, 0);
+        for (size_t i = 0; i < 6; ++i)
+        {
+            const float depth = 0.125f * static_cast<float>(i);
+            const auto packed = static_cast<uint32_t>(i * 0x10203000u + i);
+            std::memcpy(pixels.data() + i * row.pixelBytes,
+                        row.pixelBytes == 4 ? static_cast<const void*>(&packed) : static_cast<const void*>(&depth), 4);
+            if (row.pixelBytes == 8)
+            {
+                pixels[i * 8 + 4] = static_cast<uint8_t>(i + 1);
+            }
+        }
+        TextureUpdateBatchData image;
+        image.width = 3;
+        image.height = 2;
+        image.depth = 1;
+        image.format = 2;
+        image.dataType = row.dataType;
+        image.data = pixels.data();
+        texture.updateImages({image});
+        texture.readback();
+        const auto* data = reinterpret_cast<const uint8_t*>(texture.getReadbackData());
+        for (size_t i = 0; i < 6; ++i)
+        {
+            const size_t first = i * row.pixelBytes;
+            EXPECT_EQ(std::memcmp(data + first, pixels.data() + first, row.comparedBytes), 0) << i;
+        }
+        texture.destroy();
+    }
+}
+
 TEST_F(TextureGLDeviceTest, MultisampleTexturesAreAllocated)
 {
     TextureProperties properties;
@@ -391,79 +438,44 @@ TEST_F(TextureGLDeviceTest, CompressedBlocksAreKept)
     texture.destroy();
 }
 
-namespace
+TEST_F(TextureGLDeviceTest, SizesAtAndBeyondTheLimitsLeaveAUsableTexture)
 {
-
-/// Names of the table, in its order, as far as their pixels differ in kind.
-struct PixelKind
-{
-    uint32_t format;
-    SbDataType::Type dataType;
-};
-
-bool isCompressed(uint32_t internalFormat)
-{
-    return internalFormat >= 64 && internalFormat < 80;
-}
-
-PixelKind pixelKind(uint32_t internalFormat)
-{
-    constexpr uint32_t rgb10a2ui = 24;
-    if (internalFormat == rgb10a2ui || (internalFormat >= 40 && internalFormat < 64))
+    const auto limit = static_cast<uint32_t>(integer(GL_MAX_TEXTURE_SIZE));
+    for (const Case& c : s_cases)
     {
-        return {16, SbDataType::INT};
-    }
-    if (internalFormat >= 80 && internalFormat < 84)
-    {
-        return {0, SbDataType::FLOAT};
-    }
-    if (internalFormat == 84 || internalFormat == 85)
-    {
-        return {2, SbDataType::UNSIGNED_INT};
-    }
-    if (internalFormat == 86)
-    {
-        return {1, SbDataType::UNSIGNED_BYTE};
-    }
-    return {s_rgba, SbDataType::UNSIGNED_BYTE};
-}
-
-size_t blockBytes(uint32_t internalFormat)
-{
-    // One channel, and the first kind of block with at most one bit of alpha.
-    const bool small = internalFormat == 64 || internalFormat == 65 || (internalFormat >= 72 && internalFormat < 76);
-    return small ? 8 : 16;
-}
-
-} // namespace
-
-TEST_F(TextureGLDeviceTest, EveryInternalFormatIsTaken)
-{
-    Texts refused;
-    for (uint32_t format = 0; format < 87; ++format)
-    {
-        const PixelKind kind = pixelKind(format);
-        const std::vector<uint8_t> blocks(blockBytes(format), 0);
-        TextureProperties properties;
-        properties.width = 4;
-        properties.height = 4;
-        properties.internalFormat = format;
-        properties.format = kind.format;
-        properties.dataType = kind.dataType;
-        if (isCompressed(format))
+        for (const uint32_t size : {0u, 1u, limit, limit + 1, 0x80000000u, 0xFFFFFFFFu})
         {
-            properties.compressed = 1;
-            properties.data = {blocks.data()};
-            properties.sizes = {static_cast<uint32_t>(blocks.size())};
+            for (int dimension = 0; dimension < 3; ++dimension)
+            {
+                SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(size) + " in " + std::to_string(dimension));
+                TextureProperties properties = propertiesOf(c);
+                properties.width = dimension == 0 ? size : 1;
+                properties.height = dimension == 1 ? size : 1;
+                properties.depth = dimension == 2 ? size : 1;
+                TextureGL texture(properties);
+                texture.generateMipmap();
+                texture.resize(properties.depth, properties.width, properties.height);
+                texture.update(properties);
+                // A box beyond every size is refused before GL reads a byte of it.
+                const uint8_t pixel[4] = {};
+                TextureUpdateBatchData image;
+                image.x = image.y = image.z = image.width = image.height = image.depth = 0xFFFFFFFF;
+                image.data = pixel;
+                texture.updateImages({image});
+                device.takeErrors();
+                const auto pixels = pattern(c.images * c.bytes);
+                properties = propertiesOf(c);
+                for (size_t i = 0; i < c.images; ++i)
+                {
+                    properties.data.push_back(pixels.data() + i * c.bytes);
+                }
+                texture.update(properties);
+                EXPECT_EQ(readBack(texture), pixels);
+                EXPECT_EQ(device.takeErrors(), Texts{});
+                texture.destroy();
+            }
         }
-        TextureGL texture(properties);
-        for (const std::string& error : device.takeErrors())
-        {
-            refused.push_back(std::to_string(format) + ": " + error);
-        }
-        texture.destroy();
     }
-    EXPECT_EQ(refused, Texts{});
 }
 
 } // namespace renderengine

@@ -1,6 +1,7 @@
 #include "gl/TextureGL.h"
 
 #include "GLRecordingFixture.h"
+#include "TextureRecords.h"
 
 #include "gl/TextureFormatGL.h"
 
@@ -14,30 +15,6 @@ namespace renderengine
 
 namespace
 {
-
-enum Type : uint32_t
-{
-    Line,
-    LineArray,
-    Plane,
-    PlaneMultisample,
-    PlaneArray,
-    PlaneMultisampleArray,
-    Volume,
-    Cube,
-    CubeArray,
-    Buffer
-};
-
-TextureProperties textureOf(uint32_t type, uint32_t width, uint32_t height = 1, uint32_t depth = 1)
-{
-    TextureProperties properties;
-    properties.type = type;
-    properties.width = width;
-    properties.height = height;
-    properties.depth = depth;
-    return properties;
-}
 
 /// The profile is kept for the life of the process, so each case needs a process of its own.
 class TextureGLTest : public GLRecordingTest
@@ -217,79 +194,6 @@ TEST_F(TextureGLTest, ResizeOfAnImmutableTextureReportsAndChangesNothing)
     EXPECT_NE(texture.getReadbackData(), nullptr);
 }
 
-TEST_F(TextureGLTest, ReadbackSavesBindingAndAlignment)
-{
-    gl.answer(GL_PACK_ALIGNMENT, 4);
-    TextureGL texture(textureOf(Plane, 4, 2));
-    gl.clear();
-    texture.readback();
-    EXPECT_EQ(gl.takeCalls(),
-              (Texts{"glGetIntegerv(GL_TEXTURE_BINDING_2D, <pointer>)", "glGetIntegerv(GL_PACK_ALIGNMENT, <pointer>)",
-                     "glBindTexture(GL_TEXTURE_2D, 1)", "glPixelStorei(GL_PACK_ALIGNMENT, 1)",
-                     "glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)",
-                     "glBindTexture(GL_TEXTURE_2D, 0)", "glPixelStorei(GL_PACK_ALIGNMENT, 4)"}));
-    EXPECT_EQ(texture.getReadbackSize(), 32u);
-}
-
-TEST_F(TextureGLTest, ReadbackOfACubeMapReadsEachFace)
-{
-    TextureGL texture(textureOf(Cube, 2, 2));
-    gl.clear();
-    texture.readback();
-    EXPECT_EQ(gl.callsMatching("glGetTexImage"),
-              (Texts{"glGetTexImage(GL_TEXTURE_CUBE_MAP_POSITIVE_X, 0, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)",
-                     "glGetTexImage(GL_TEXTURE_CUBE_MAP_NEGATIVE_X, 0, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)",
-                     "glGetTexImage(GL_TEXTURE_CUBE_MAP_POSITIVE_Y, 0, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)",
-                     "glGetTexImage(GL_TEXTURE_CUBE_MAP_NEGATIVE_Y, 0, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)",
-                     "glGetTexImage(GL_TEXTURE_CUBE_MAP_POSITIVE_Z, 0, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)",
-                     "glGetTexImage(GL_TEXTURE_CUBE_MAP_NEGATIVE_Z, 0, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)"}));
-}
-
-TEST_F(TextureGLTest, TheReadbackBlockHoldsTheStorageThatARefusedUpdateLeft)
-{
-    TextureProperties properties = textureOf(Plane, 8, 8);
-    properties.immutable = 1;
-    TextureGL texture(properties);
-    properties.width = 2;
-    properties.height = 2;
-    texture.update(properties);
-    texture.readback();
-    EXPECT_EQ(texture.getDataSize(), 16u);
-    EXPECT_EQ(texture.getReadbackSize(), 256u);
-    texture.destroy();
-}
-
-TEST_F(TextureGLTest, ReadbackOfASizeThatNoMemoryHoldsIsSkipped)
-{
-    TextureGL texture(textureOf(Volume, 0x80000000u, 0x80000000u, 0x80000000u));
-    gl.clear();
-    texture.readback();
-    EXPECT_EQ(texture.getReadbackData(), nullptr);
-    EXPECT_EQ(gl.takeCalls(), Texts{});
-    EXPECT_EQ(log.take(),
-              (Texts{"error: [TextureGL] There is no memory for 18446744073709551615 bytes of read-back data."}));
-}
-
-TEST_F(TextureGLTest, TheReadbackBlockLivesUntilUpdateResizeOrDestroy)
-{
-    TextureGL texture(textureOf(Plane, 4, 2));
-    EXPECT_EQ(texture.getReadbackData(), nullptr);
-    texture.readback();
-    const std::byte* first = texture.getReadbackData();
-    EXPECT_NE(first, nullptr);
-    texture.readback();
-    EXPECT_EQ(texture.getReadbackData(), first);
-    texture.update(textureOf(Plane, 4, 2));
-    EXPECT_EQ(texture.getReadbackData(), nullptr);
-    texture.readback();
-    texture.update(textureOf(Line, 4));
-    EXPECT_EQ(texture.getReadbackData(), nullptr);
-    EXPECT_EQ(texture.getReadbackSize(), 0u);
-    texture.readback();
-    texture.destroy();
-    EXPECT_EQ(texture.getReadbackData(), nullptr);
-}
-
 TEST_F(TextureGLTest, DataSizeCountsPixelsByTarget)
 {
     const std::pair<uint32_t, uint64_t> pixels[] = {{Line, 4},        {LineArray, 12},
@@ -341,16 +245,6 @@ TEST_F(TextureGLTest, PackedTypesCountAsWholePixels)
     EXPECT_TRUE(pixelTypeSize(GL_UNSIGNED_SHORT_5_6_5).isWholePixel);
     EXPECT_EQ(pixelTypeSize(GL_UNSIGNED_INT_10F_11F_11F_REV).bytes, 4u);
     EXPECT_TRUE(pixelTypeSize(GL_UNSIGNED_INT_10F_11F_11F_REV).isWholePixel);
-}
-
-TEST_F(TextureGLTest, TheReadbackBlockHoldsWhatGLWritesForPaddedPixels)
-{
-    TextureProperties properties = textureOf(Plane, 10, 10);
-    properties.format = 2;
-    properties.internalFormat = 85;
-    TextureGL texture(properties);
-    texture.readback();
-    EXPECT_EQ(texture.getReadbackSize(), 800u);
 }
 
 TEST_F(TextureGLTest, BindSwitchesFixedFunctionTargets)
@@ -468,6 +362,43 @@ TEST_F(TextureGLTest, UpdateImagesUsesTheCallOfTheTarget)
         gl.clear();
         texture.updateImages({image});
         EXPECT_EQ(gl.callsMatching("glTexSubImage"), expected);
+    }
+}
+
+TEST_F(TextureGLTest, PartialUpdatesOfCombinedFormatsUseTheirPackedType)
+{
+    const struct
+    {
+        uint32_t internalFormat;
+        uint32_t format;
+        SbDataType::Type dataType;
+        const char* sent;
+    } rows[] = {
+        {84, 2, SbDataType::UNSIGNED_INT, "GL_DEPTH_STENCIL, GL_UNSIGNED_INT_24_8"},
+        {84, 0, SbDataType::UNSIGNED_INT, "GL_DEPTH_COMPONENT, GL_UNSIGNED_INT"},
+        // Eight bytes a pixel do not fit, and GL refuses the plain type.
+        {84, 2, SbDataType::FLOAT, "GL_DEPTH_STENCIL, GL_FLOAT"},
+        {85, 2, SbDataType::FLOAT, "GL_DEPTH_STENCIL, GL_FLOAT_32_UNSIGNED_INT_24_8_REV"},
+        {85, 2, SbDataType::UNSIGNED_INT, "GL_DEPTH_STENCIL, GL_UNSIGNED_INT"},
+        {21, 2, SbDataType::UNSIGNED_INT, "GL_DEPTH_STENCIL, GL_UNSIGNED_INT"},
+    };
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.sent);
+        TextureProperties properties = textureOf(Plane, 8, 8);
+        properties.internalFormat = row.internalFormat;
+        properties.format = row.internalFormat == 21 ? 8 : 2;
+        TextureGL texture(properties);
+        TextureUpdateBatchData image;
+        image.width = 2;
+        image.height = 2;
+        image.format = row.format;
+        image.dataType = row.dataType;
+        image.data = block(100);
+        gl.clear();
+        texture.updateImages({image});
+        EXPECT_EQ(gl.callsMatching("glTexSubImage2D"),
+                  Texts{"glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 2, 2, " + std::string(row.sent) + ", 100)"});
     }
 }
 
