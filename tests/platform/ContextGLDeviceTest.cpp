@@ -91,6 +91,8 @@ TEST(ContextGLDeviceTest, CanBeCurrentOnAnotherThread)
             ASSERT_TRUE(context.makeCurrent());
             buffer = makeBuffer();
             error = glGetError();
+            const GLuint deleted = buffer;
+            glDeleteBuffers(1, &deleted);
             context.doneCurrent();
         })
         .join();
@@ -181,7 +183,9 @@ TEST(ContextGLDeviceTest, OneContextOutlivesTheOther)
     second.init();
     first.reset();
     ASSERT_TRUE(second.makeCurrent());
-    EXPECT_NE(makeBuffer(), 0u);
+    const GLuint buffer = makeBuffer();
+    EXPECT_NE(buffer, 0u);
+    glDeleteBuffers(1, &buffer);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     second.doneCurrent();
 }

@@ -3,6 +3,7 @@
 #include "context/ContextFactory.h"
 #include "context/ContextGL.h"
 #include "platform/PlatformLayer.h"
+#include "support/ContextObjects.h"
 #include "support/ProcessUsage.h"
 #include "support/Triangle.h"
 
@@ -23,6 +24,7 @@ namespace renderengine
 namespace
 {
 
+using testing::deleteObjects;
 using testing::drawTriangle;
 using testing::isTriangle;
 
@@ -32,6 +34,7 @@ TEST(EngineDeviceTest, DrawsOnTheCallingThread)
     context.init();
     EXPECT_TRUE(isTriangle(drawTriangle(context)));
     EXPECT_EQ(utils::GL::getCurrentContext(), nullptr);
+    deleteObjects(context);
 }
 
 TEST(EngineDeviceTest, DrawsOnTheRenderThread)
@@ -74,6 +77,7 @@ TEST(EngineDeviceTest, PutsTheHostsContextBackAfterAnInlineFrame)
     EXPECT_TRUE(isTriangle(drawTriangle(engine)));
     EXPECT_EQ(utils::GL::getCurrentContext(), hostContext);
     EXPECT_EQ(utils::GL::getCurrentDisplay(), hostDisplay);
+    deleteObjects(engine);
     host.doneCurrent();
 }
 

@@ -5,6 +5,7 @@
 #include "context/ContextGL.h"
 #include "gl/RendererGL41.h"
 #include "gl/RendererGL46.h"
+#include "support/ContextObjects.h"
 #include "support/LogLines.h"
 #include "support/Triangle.h"
 
@@ -131,6 +132,7 @@ TEST(MesaVersionDeviceTest, From43OnTheNewerRendererIsTaken)
     EXPECT_EQ(context.getContextInfo().isVersion46, 0);
     EXPECT_NE(dynamic_cast<RendererGL46*>(context.getRenderer()), nullptr);
     EXPECT_TRUE(isTriangle(drawTriangle(context)));
+    testing::deleteObjects(context);
 }
 
 TEST(MesaVersionDeviceTest, OlderThan41IsToldAndGoesOn)

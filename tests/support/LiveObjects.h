@@ -8,15 +8,16 @@
 namespace renderengine::testing
 {
 
-/// The GL objects that were made and not deleted through the table that is watched: buffers, textures, samplers,
-/// framebuffers, renderbuffers, vertex arrays, queries, shaders, programs and syncs. One table at a time, used by one
-/// thread at a time.
+/// The GL objects that were made and not deleted since watching began, of every kind that has a function to make and
+/// one to delete. Any thread may make and delete them.
 class LiveObjects
 {
 public:
-    /// Puts counting entries before those of the table and forgets what was counted. The table must have its own
-    /// entries still.
+    /// Puts counting entries before those of the table and forgets what was counted.
     static void watch(GLEWContextStruct& table);
+    /// Lets the tables that are filled from now on have counting entries, and forgets what was counted. A program whose
+    /// tests make contexts through the engine links ObjectBalance.cpp, which does this for each of them.
+    static void watchEveryContext();
 
     /// One text a kind that has live objects, such as "buffers: 3 7".
     static std::vector<std::string> list();
