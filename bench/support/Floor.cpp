@@ -8,8 +8,4 @@ void FloorDraw::execute(FloorRenderer& renderer)
     renderer.execute(*this);
 }
 
-FloorRenderer::~FloorRenderer() = default;
-
-void FloorRenderer::execute(FloorDraw&) {}
-
 } // namespace bench
