@@ -5,20 +5,13 @@
 namespace renderengine
 {
 
-namespace
-{
-void removeAll(std::vector<BaseResourceGL*>& list, const BaseResourceGL* resource)
-{
-    list.erase(std::remove(list.begin(), list.end(), resource), list.end());
-}
-} // namespace
-
 BaseResourceGL::~BaseResourceGL()
 {
     resetDependencies();
-    for (BaseResourceGL* dependent : dependents)
+    for (BaseResourceGL* dependent : getDependents())
     {
-        removeAll(dependent->dependencies, this);
+        std::vector<BaseResourceGL*>& list = dependent->dependencies;
+        list.erase(std::remove(list.begin(), list.end(), this), list.end());
     }
 }
 
@@ -31,9 +24,46 @@ void BaseResourceGL::setDirty(bool value)
     {
         return;
     }
-    for (BaseResourceGL* dependent : dependents)
+    if (firstDependent != nullptr)
+    {
+        firstDependent->setDirty(true);
+    }
+    for (BaseResourceGL* dependent : otherDependents)
     {
         dependent->setDirty(true);
+    }
+}
+
+std::vector<BaseResourceGL*> BaseResourceGL::getDependents() const
+{
+    std::vector<BaseResourceGL*> dependents;
+    if (firstDependent != nullptr)
+    {
+        dependents.push_back(firstDependent);
+    }
+    dependents.insert(dependents.end(), otherDependents.begin(), otherDependents.end());
+    return dependents;
+}
+
+bool BaseResourceGL::hasDependent(const BaseResourceGL* resource) const
+{
+    return firstDependent == resource ||
+           std::find(otherDependents.begin(), otherDependents.end(), resource) != otherDependents.end();
+}
+
+void BaseResourceGL::removeDependent(const BaseResourceGL* resource)
+{
+    if (firstDependent != resource)
+    {
+        otherDependents.erase(std::remove(otherDependents.begin(), otherDependents.end(), resource),
+                              otherDependents.end());
+        return;
+    }
+    firstDependent = nullptr;
+    if (!otherDependents.empty())
+    {
+        firstDependent = otherDependents.front();
+        otherDependents.erase(otherDependents.begin());
     }
 }
 
@@ -41,14 +71,20 @@ void BaseResourceGL::addDependency(BaseResourceGL& other)
 {
     // Either list tells whether the two are linked. A merged buffer has many sources with few dependents each, the
     // shared sequence buffer many dependents with few sources each: the shorter one is searched.
-    const bool linked =
-        dependencies.size() <= other.dependents.size()
-            ? std::find(dependencies.begin(), dependencies.end(), &other) != dependencies.end()
-            : std::find(other.dependents.begin(), other.dependents.end(), this) != other.dependents.end();
+    const bool linked = dependencies.size() <= other.dependentCount()
+                            ? std::find(dependencies.begin(), dependencies.end(), &other) != dependencies.end()
+                            : other.hasDependent(this);
     if (!linked)
     {
         dependencies.push_back(&other);
-        other.dependents.push_back(this);
+        if (other.firstDependent == nullptr)
+        {
+            other.firstDependent = this;
+        }
+        else
+        {
+            other.otherDependents.push_back(this);
+        }
     }
 }
 
@@ -56,7 +92,7 @@ void BaseResourceGL::resetDependencies()
 {
     for (BaseResourceGL* dependency : dependencies)
     {
-        removeAll(dependency->dependents, this);
+        dependency->removeDependent(this);
     }
     dependencies.clear();
 }

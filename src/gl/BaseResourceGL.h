@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 namespace renderengine
@@ -34,11 +35,17 @@ public:
     /// Drops every dependency of this resource. Its dependents stay.
     void resetDependencies();
 
-    const std::vector<BaseResourceGL*>& getDependents() const { return dependents; }
+    std::vector<BaseResourceGL*> getDependents() const;
     const std::vector<BaseResourceGL*>& getDependencies() const { return dependencies; }
 
 private:
-    std::vector<BaseResourceGL*> dependents;
+    size_t dependentCount() const { return (firstDependent != nullptr ? 1 : 0) + otherDependents.size(); }
+    bool hasDependent(const BaseResourceGL* resource) const;
+    void removeDependent(const BaseResourceGL* resource);
+
+    // Nearly every source has one dependent, the merged buffer, and a merge links thousands of sources.
+    BaseResourceGL* firstDependent = nullptr;
+    std::vector<BaseResourceGL*> otherDependents;
     std::vector<BaseResourceGL*> dependencies;
     bool dirty = false;
 };

@@ -2,22 +2,18 @@
 
 #include "gl/BaseResourceGL.h"
 #include "gl/MergedDraw.h"
+#include "gl/ShaderBufferIndices.h"
 
 #include <renderengine/DrawProperties.h>
 #include <renderengine/Handle.h>
 
 #include <array>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <vector>
 
 namespace renderengine
 {
-
-/// Distinct shader buffers of a slot, each with its place in the merged buffer. Ordered, so that equal draws give equal
-/// sequences of GL calls.
-using ShaderBufferIndices = std::map<ShaderBufferHandle, int32_t>;
 
 /// A group of draw properties that are drawn together, from shared buffers when there is more than one.
 ///

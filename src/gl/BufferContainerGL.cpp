@@ -22,6 +22,7 @@ void BufferContainerGL::setBuffer(BufferGL* newBuffer)
         buffer->removeContainer(this);
     }
     buffer = newBuffer;
+    bufferName = buffer ? buffer->getName() : 0;
     if (buffer)
     {
         buffer->addContainer(this);

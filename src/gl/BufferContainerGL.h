@@ -2,6 +2,8 @@
 
 #include "gl/BaseResourceGL.h"
 
+#include <glbinding/gl.h>
+
 namespace renderengine
 {
 
@@ -22,11 +24,14 @@ public:
     void setBuffer(BufferGL* newBuffer);
     /// The buffer below, or null.
     BufferGL* getBuffer() const { return buffer; }
+    /// GL name of the buffer below, 0 without one. Kept here, so that a draw need not fetch the buffer.
+    GLuint getBufferName() const { return bufferName; }
 
 private:
     // BufferGL forgets its views when it goes, without being asked to unregister each.
     friend class BufferGL;
 
+    GLuint bufferName = 0;
     BufferGL* buffer = nullptr;
 };
 

@@ -38,6 +38,10 @@ void BufferGL::writeData(const BufferProperties& properties)
 void BufferGL::create(const BufferProperties& properties)
 {
     glGenBuffers(1, &name);
+    for (BufferContainerGL* container : containers)
+    {
+        container->bufferName = name;
+    }
     writeData(properties);
 }
 
@@ -121,6 +125,7 @@ void BufferGL::detachContainers()
     for (BufferContainerGL* container : containers)
     {
         container->buffer = nullptr;
+        container->bufferName = 0;
     }
     containers.clear();
 }

@@ -8,22 +8,40 @@
 #include <renderengine/ShaderStateCoreProperties.h>
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
 namespace renderengine
 {
 
+/// State records and what applies them, one for all draws whose records are equal, so that a frame of such draws finds
+/// them in the processor's cache. It remembers the latest few; others live as long as a draw uses them.
+class GfxStateSharing
+{
+public:
+    struct Entry
+    {
+        std::shared_ptr<GfxStateProperties> gfxState;
+        std::shared_ptr<const StateGL> state;
+    };
+
+    /// The entry of a record, whose size scale does not count: that is the draw's own.
+    const Entry& share(const GfxStateProperties& record);
+
+private:
+    std::array<Entry, 4> m_entries;
+    size_t m_next = 0;
+};
+
 /// What stands behind a draw handle: the members, the state they are drawn with, and the batches made from them.
 class DrawGL
 {
 public:
-    /// Takes the two records of a create or update command. Null stands for the default record.
-    ///
-    /// The fixed-function record is copied: each draw writes the scale of its viewport into its own copy, and the
-    /// client may give one record to many draws.
+    /// Takes the two records of a create or update command. Null stands for the default record. The fixed-function
+    /// record is copied, as the client may change what it gave.
     void setState(const std::shared_ptr<const GfxStateProperties>& newGfxState,
-                  std::shared_ptr<const ShaderStateCoreProperties> newShaderState);
+                  std::shared_ptr<const ShaderStateCoreProperties> newShaderState, GfxStateSharing& sharing);
 
     /// Slot 0: transform buffers, slot 1: material buffers. Used by `RendererGL46` only.
     std::array<ShaderBufferIndices, 2> shaderBufferIndices;
@@ -40,10 +58,19 @@ public:
     std::shared_ptr<const ShaderStateCoreProperties> shaderState;
 
     /// Applies `gfxState`.
-    std::unique_ptr<StateGL> state;
+    std::shared_ptr<const StateGL> state;
 
-    /// This draw's own copy of the client's record, never null after `setState`.
+    /// A copy of the client's record, never null after `setState`. Draws of equal records share it, so each writes its
+    /// `sizeScale` into it before it is used.
     std::shared_ptr<GfxStateProperties> gfxState;
+
+    /// What a draw of the one unmerged batch reads, as addresses for the processor's cache: a renderer asks for them
+    /// while the draw before this one runs. They are never read through and may be those of objects that are gone.
+    std::array<const void*, 28> cacheHints{};
+    size_t cacheHintCount = 0;
+
+    /// The scale of points and lines: that of the client's record until a viewport gives another.
+    float sizeScale = 1.0f;
 };
 
 } // namespace renderengine

@@ -210,6 +210,15 @@ protected:
     template <class Handle, class Resource>
     static void releaseResource(ResourceTable<Handle, Resource>& table, Handle& handle);
 
+    /// Merging visits more objects than the processor's caches hold, so it asks for those of the members ahead: first
+    /// for the view, and for its buffer once the view is there.
+    static constexpr size_t prefetchedViews = 12;
+    static constexpr size_t prefetchedBuffers = 6;
+    template <class Handle, class View>
+    static void prefetchView(const ResourceTable<Handle, View>& table, const Handle& handle);
+    template <class Handle, class View>
+    static void prefetchBuffer(const ResourceTable<Handle, View>& table, const Handle& handle);
+
     /// True when the next shader state must be sent whatever the current one is.
     bool isShaderStateUnknown(const ShaderStateCoreProperties& shaderState) const;
 
@@ -256,12 +265,13 @@ private:
     void bindShaderBuffersByPosition(const ShaderStateCoreProperties& shaderState, const ShaderProgramGL& program);
     void applyShaderParameters(const ShaderStateCoreProperties& shaderState, const ShaderProgramGL& program);
     void setPrimitiveRestart(bool enable, uint32_t value);
-    void copyViewportScale(const ViewportHandle& handle, GfxStateProperties& gfxState) const;
+    void copyViewportScale(const ViewportHandle& handle, float& sizeScale) const;
 
     // Draw
     void applyDrawStateInFull(const DrawGL& draw);
     void applyDrawStateDifferences(const DrawGL& draw);
     bool updateBatches(const DrawHandle& handle, DrawGL& draw);
+    void collectCacheHints(DrawGL& draw) const;
     void drawBatch(const Batch& batch, bool mergeable, const ShaderProgramGL& program, GLuint firstBinding);
     void drawMerged(const Batch& batch);
     void drawRanges(const Batch& batch);
@@ -291,6 +301,7 @@ private:
     uint64_t getElementCount(const VertexBufferHandle& handle) const;
     uint64_t getLargestElementCount(const DrawProperties& properties) const;
 
+    void prefetchMembers(const std::vector<const DrawProperties*>& members, size_t current) const;
     void mergeVertexBuffers(Batch& batch);
     void mergeVertexBuffer(Batch& batch, const std::vector<const DrawProperties*>& members, size_t position,
                            const std::vector<uint64_t>& offsetElements, uint64_t elementCount);
@@ -335,6 +346,7 @@ private:
     std::unique_ptr<FramebufferParameterGLEventArg> m_framebufferEventArg;
     std::unique_ptr<PresentFrameGL_GL> m_presentFrame;
     std::unique_ptr<ReversePresentFrameGL_GL> m_reversePresentFrame;
+    GfxStateSharing m_gfxStateSharing;
     bool m_explainMerging;
     bool m_useFence;
     FenceGL m_frameFence;

@@ -2,11 +2,14 @@
 
 #include "gl/RendererGL41.h"
 
+#include "gl/CachePrefetch.h"
 #include "gl/DebugGroup.h"
 #include "gl/DrawTablesGL.h"
 #include "gl/RendererGL41Find.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <vector>
 
 namespace renderengine
 {
@@ -18,6 +21,31 @@ const void* byteOffset(uint64_t offset)
 {
     return reinterpret_cast<const void*>(static_cast<uintptr_t>(offset));
 }
+
+/// Takes addresses as long as there is room.
+class HintList
+{
+public:
+    explicit HintList(DrawGL& draw) : m_draw(draw) { m_draw.cacheHintCount = 0; }
+
+    /// The bytes from `begin` to `end` of what lies at the address.
+    void add(const void* address, size_t begin, size_t end)
+    {
+        for (size_t offset = begin; offset < end && m_draw.cacheHintCount < m_draw.cacheHints.size();
+             offset += cacheLineSize)
+        {
+            m_draw.cacheHints[m_draw.cacheHintCount] = static_cast<const std::byte*>(address) + offset;
+            ++m_draw.cacheHintCount;
+        }
+    }
+    template <class Value> void add(const std::vector<Value>& values)
+    {
+        add(values.data(), 0, values.size() * sizeof(Value));
+    }
+
+private:
+    DrawGL& m_draw;
+};
 
 bool hasBaseInstance()
 {
@@ -36,8 +64,16 @@ void RendererGL41::execute(CommandRender& command)
         return;
     }
     RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "CommandRender");
+    // Thousands of draws do not fit into the processor's caches. Most are drawn in the order in which they were made,
+    // so the next one is fetched while GL is busy with this one; a wrong guess costs nothing.
+    const DrawGL* next = find(m_tables.draws, DrawHandle(command.handle.id + 1));
+    if (next != nullptr)
+    {
+        prefetchObject(next);
+    }
     const ShaderStateCoreProperties& shaderState = *draw->shaderState;
-    copyViewportScale(shaderState.viewport, *draw->gfxState);
+    copyViewportScale(shaderState.viewport, draw->sizeScale);
+    draw->gfxState->rasterizer.sizeScale = draw->sizeScale;
     if (m_stateUnknown || !m_differentialState)
     {
         applyDrawStateInFull(*draw);
@@ -57,6 +93,10 @@ void RendererGL41::execute(CommandRender& command)
         {
             drawBatch(*batch, mergeable, *program, firstBinding);
         }
+    }
+    if (next != nullptr)
+    {
+        std::for_each_n(next->cacheHints.begin(), next->cacheHintCount, prefetch);
     }
     if (m_stateUnknown || !m_differentialState)
     {
@@ -106,6 +146,44 @@ void RendererGL41::applyDrawStateDifferences(const DrawGL& draw)
     setupShaderState(shaderState, true);
 }
 
+/// Lists what drawing the one batch of an unmerged draw reads.
+void RendererGL41::collectCacheHints(DrawGL& draw) const
+{
+    HintList hints(draw);
+    const Batch& batch = *draw.batches.front();
+    hints.add(&batch, 0, sizeof(batch));
+    hints.add(batch.vertexBuffers);
+    hints.add(batch.indexBuffers);
+    if (!batch.firstMember)
+    {
+        return;
+    }
+    hints.add(batch.firstMember.get(), 0, sizeof(DrawProperties));
+    hints.add(batch.firstMember->shaderBuffers);
+    hints.add(batch.firstMember->ranges);
+    // Of views, a draw reads what stands behind the part that they share with all resources.
+    constexpr size_t begin = sizeof(BaseResourceGL) - sizeof(GLuint);
+    const auto addView = [&hints](const auto* view)
+    {
+        if (view != nullptr)
+        {
+            hints.add(view, begin, begin + cacheLineSize);
+        }
+    };
+    for (const ShaderBufferHandle& handle : batch.firstMember->shaderBuffers)
+    {
+        addView(find(m_tables.shaderBuffers, handle));
+    }
+    for (const VertexBufferHandle& handle : batch.vertexBuffers)
+    {
+        addView(find(m_tables.vertexBuffers, handle));
+    }
+    for (const IndexBufferHandle& handle : batch.indexBuffers)
+    {
+        addView(find(m_tables.indexBuffers, handle));
+    }
+}
+
 /// Brings the batches up to date and returns whether they are drawn merged.
 bool RendererGL41::updateBatches(const DrawHandle& handle, DrawGL& draw)
 {
@@ -118,9 +196,11 @@ bool RendererGL41::updateBatches(const DrawHandle& handle, DrawGL& draw)
     if (!mergeable && (needRebuild || draw.batches.empty()))
     {
         buildPlainBatch(draw);
+        collectCacheHints(draw);
     }
     if (mergeable && needRebuild)
     {
+        draw.cacheHintCount = 0;
         prepareMergeMaps(draw);
         buildBatches(draw);
         for (const std::unique_ptr<Batch>& batch : draw.batches)
@@ -219,7 +299,7 @@ void RendererGL41::drawMerged(const Batch& batch)
             continue;
         }
         setPrimitiveRestart(draw.primitiveRestart, draw.primitiveRestartValue);
-        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer->getBuffer()->getName());
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer->getBufferName());
         glMultiDrawElementsBaseVertex(*mode, draw.count.data(), indexBuffer->getType(), draw.indices.data(),
                                       static_cast<GLsizei>(draw.count.size()), draw.baseVertex.data());
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
@@ -252,7 +332,7 @@ void RendererGL41::drawRange(const DrawRange& range, const IndexBufferGL& indexB
         return;
     }
     setPrimitiveRestart(range.primitiveRestart, range.primitiveRestartValue);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer.getBuffer()->getName());
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer.getBufferName());
     const void* indices = byteOffset(range.indexOffset);
     if (hasBaseInstance())
     {
@@ -287,7 +367,7 @@ void RendererGL41::moveInstancedAttributes(const Batch& batch, uint32_t baseInst
         const VertexBufferProperties& properties = vertexBuffer->getProperties();
         const uint64_t stride =
             properties.stride != 0 ? properties.stride : properties.componentCount * properties.dataType.getSize();
-        glBindBuffer(GL_ARRAY_BUFFER, vertexBuffer->getBuffer()->getName());
+        glBindBuffer(GL_ARRAY_BUFFER, vertexBuffer->getBufferName());
         glVertexAttribPointer(static_cast<GLuint>(m_attributeLocations[i]), vertexBuffer->getComponentCount(),
                               vertexBuffer->getType(), vertexBuffer->getNormalized(), vertexBuffer->getStride(),
                               byteOffset(vertexBuffer->getOffset() + baseInstance * stride));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gl/CachePrefetch.h"
 #include "gl/RendererGL41.h"
 
 #include <spdlog/spdlog.h>
@@ -94,6 +95,25 @@ void RendererGL41::releaseResource(ResourceTable<Handle, Resource>& table, Handl
         table.destroy(handle);
     }
     handle = Handle();
+}
+
+template <class Handle, class View>
+void RendererGL41::prefetchView(const ResourceTable<Handle, View>& table, const Handle& handle)
+{
+    if (const View* view = find(table, handle))
+    {
+        prefetchObject(static_cast<const BufferContainerGL*>(view));
+    }
+}
+
+template <class Handle, class View>
+void RendererGL41::prefetchBuffer(const ResourceTable<Handle, View>& table, const Handle& handle)
+{
+    const View* view = find(table, handle);
+    if (view != nullptr && view->getBuffer() != nullptr)
+    {
+        prefetchObject(view->getBuffer());
+    }
 }
 
 } // namespace renderengine

@@ -267,6 +267,35 @@ BufferHandle RendererGL41::createInternalBuffer(Batch& batch, uint8_t kind, uint
     return handle;
 }
 
+/// Asks for what merging the members behind the current one reads.
+void RendererGL41::prefetchMembers(const std::vector<const DrawProperties*>& members, size_t current) const
+{
+    if (current + prefetchedViews < members.size())
+    {
+        const DrawProperties& member = *members[current + prefetchedViews];
+        for (const VertexBufferHandle& handle : member.vertexBuffers)
+        {
+            prefetchView(m_tables.vertexBuffers, handle);
+        }
+        for (const DrawRange& range : member.ranges)
+        {
+            prefetchView(m_tables.indexBuffers, range.indexBuffer);
+        }
+    }
+    if (current + prefetchedBuffers < members.size())
+    {
+        const DrawProperties& member = *members[current + prefetchedBuffers];
+        for (const VertexBufferHandle& handle : member.vertexBuffers)
+        {
+            prefetchBuffer(m_tables.vertexBuffers, handle);
+        }
+        for (const DrawRange& range : member.ranges)
+        {
+            prefetchBuffer(m_tables.indexBuffers, range.indexBuffer);
+        }
+    }
+}
+
 void RendererGL41::mergeVertexBuffers(Batch& batch)
 {
     batch.vertexBuffers.clear();
@@ -277,9 +306,10 @@ void RendererGL41::mergeVertexBuffers(Batch& batch)
     }
     std::vector<uint64_t> offsetElements;
     offsetElements.reserve(members.size());
-    for (const DrawProperties* member : members)
+    for (size_t i = 0; i < members.size(); ++i)
     {
-        offsetElements.push_back(getLargestElementCount(*member));
+        prefetchMembers(members, i);
+        offsetElements.push_back(getLargestElementCount(*members[i]));
     }
     const uint64_t elementCount = std::accumulate(offsetElements.begin(), offsetElements.end(), uint64_t{0});
     for (size_t position = 0; position < members.front()->vertexBuffers.size(); ++position)

@@ -16,7 +16,8 @@ void RendererGL41::execute(CommandCreateDraw& command)
 {
     if (command.handle.isValid())
     {
-        createResource(m_tables.draws, command.handle).setState(command.gfxState, command.shaderState);
+        createResource(m_tables.draws, command.handle)
+            .setState(command.gfxState, command.shaderState, m_gfxStateSharing);
     }
 }
 
@@ -25,7 +26,7 @@ void RendererGL41::execute(CommandUpdateDraw& command)
     if (DrawGL* draw =
             findOrReport(m_tables.draws, command.handle, "[RendererGL] Trying to update an invalid draw call."))
     {
-        draw->setState(command.gfxState, command.shaderState);
+        draw->setState(command.gfxState, command.shaderState, m_gfxStateSharing);
     }
 }
 

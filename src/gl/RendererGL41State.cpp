@@ -66,11 +66,11 @@ void RendererGL41::applyViewport(const ViewportHandle& handle)
     }
 }
 
-void RendererGL41::copyViewportScale(const ViewportHandle& handle, GfxStateProperties& gfxState) const
+void RendererGL41::copyViewportScale(const ViewportHandle& handle, float& sizeScale) const
 {
     if (const ViewportGL* viewport = find(m_tables.viewports, handle))
     {
-        gfxState.rasterizer.sizeScale = viewport->getProperties().sizeScale;
+        sizeScale = viewport->getProperties().sizeScale;
     }
 }
 

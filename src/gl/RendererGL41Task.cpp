@@ -63,7 +63,7 @@ void RendererGL41::execute(CommandRenderTask& command)
     applyViewport(shaderState.viewport);
     const auto gfxState = command.gfxState ? std::make_shared<GfxStateProperties>(*command.gfxState)
                                            : std::make_shared<GfxStateProperties>();
-    copyViewportScale(shaderState.viewport, *gfxState);
+    copyViewportScale(shaderState.viewport, gfxState->rasterizer.sizeScale);
     const StateGL state(gfxState);
     state.apply();
     setupShaderState(shaderState, !command.fixedFunctionState);

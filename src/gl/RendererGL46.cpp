@@ -142,12 +142,13 @@ void RendererGL46::prepareMergeMaps(DrawGL& draw)
     }
     for (size_t slot = 0; slot < slotCount; ++slot)
     {
-        ShaderBufferIndices& indices = draw.shaderBufferIndices[slot];
-        indices.clear();
+        std::vector<ShaderBufferHandle> buffers;
+        buffers.reserve(draw.drawProperties.size());
         for (const DrawPropertiesHandle& member : draw.drawProperties)
         {
-            indices.emplace(getSlotBuffer(member, slot), static_cast<int32_t>(indices.size()));
+            buffers.push_back(getSlotBuffer(member, slot));
         }
+        draw.shaderBufferIndices[slot].assign(buffers);
     }
 }
 
@@ -214,8 +215,7 @@ void RendererGL46::splitIntoBatches(DrawGL& draw)
         Batch& batch = *draw.batches.back();
         for (size_t slot = 0; slot < slotCount; ++slot)
         {
-            ShaderBufferIndices& indices = batch.shaderBufferIndices[slot];
-            indices.emplace(getSlotBuffer(member, slot), static_cast<int32_t>(indices.size()));
+            batch.shaderBufferIndices[slot].add(getSlotBuffer(member, slot));
         }
         batch.drawProperties.push_back(member);
     }
@@ -291,8 +291,7 @@ void RendererGL46::createIndirectBuffer(Batch& batch, size_t slot, const std::st
     const ShaderBufferIndices& indices = batch.shaderBufferIndices[slot];
     for (size_t i = 0; i < batch.drawProperties.size(); ++i)
     {
-        const auto index = indices.find(getSlotBuffer(batch.drawProperties[i], slot));
-        entries[i * valuesPerEntry] = index != indices.end() ? index->second : 0;
+        entries[i * valuesPerEntry] = indices.get(getSlotBuffer(batch.drawProperties[i], slot));
     }
     batch.indirectShaderBuffers[slot] = createMergeBuffer(batch, staticCopy, entries.size() * sizeof(int32_t),
                                                           entries.data(), sourceName + "IndirectBuffer");
@@ -305,8 +304,17 @@ void RendererGL46::createMergedBuffer(Batch& batch, size_t slot, const std::stri
         createMergeBuffer(batch, staticDraw, blockSize * indices.size(), nullptr, sourceName + "MergedBuffer");
     ShaderBufferGL& merged = *find(m_tables.shaderBuffers, batch.mergedShaderBuffers[slot]);
     batch.addDependency(merged);
-    for (const auto& [handle, index] : indices)
+    for (size_t i = 0; i < indices.size(); ++i)
     {
+        if (i + prefetchedViews < indices.size())
+        {
+            prefetchView(m_tables.shaderBuffers, indices[i + prefetchedViews].first);
+        }
+        if (i + prefetchedBuffers < indices.size())
+        {
+            prefetchBuffer(m_tables.shaderBuffers, indices[i + prefetchedBuffers].first);
+        }
+        const auto& [handle, index] = indices[i];
         ShaderBufferGL* source = find(m_tables.shaderBuffers, handle);
         if (source != nullptr && source->getBuffer() != nullptr)
         {

@@ -5,10 +5,13 @@
 #include <glbinding/gl.h>
 #include <renderengine/ShaderBufferProperties.h>
 
+#include <cstdint>
 #include <string>
 
 namespace renderengine
 {
+
+class ShaderProgramGL;
 
 /// A uniform or storage block read from a buffer. The block is found by name in the program.
 class ShaderBufferGL : public BufferContainerGL
@@ -26,9 +29,16 @@ public:
     /// GL_UNIFORM_BUFFER or GL_SHADER_STORAGE_BUFFER.
     GLenum getTarget() const { return target; }
 
+    /// Index of the block in the program, GL_INVALID_INDEX when the program lacks it. The last answer is kept: a name
+    /// is looked up once for each program that the buffer is drawn with in turn.
+    GLuint findBlock(const ShaderProgramGL& program) const;
+
 private:
-    std::string name;
+    // Beside the buffer's name, so that a draw fetches one line of memory.
     GLenum target = GL_UNIFORM_BUFFER;
+    mutable GLuint foundBlock = GL_INVALID_INDEX;
+    mutable uint64_t foundInLink = 0;
+    std::string name;
 };
 
 } // namespace renderengine

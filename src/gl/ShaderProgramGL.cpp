@@ -4,6 +4,7 @@
 
 #include <spdlog/spdlog.h>
 
+#include <atomic>
 #include <locale>
 #include <sstream>
 
@@ -53,6 +54,8 @@ bool ShaderProgramGL::reflect()
     {
         return false;
     }
+    static std::atomic<uint64_t> s_linkCount{0};
+    linkStamp = ++s_linkCount;
     reflectAttributes();
     reflectUniforms();
     useMergedShaderBuffersLocation = glGetUniformLocation(id, "KvrUseMergedShaderBuffers");
@@ -231,19 +234,26 @@ GLint ShaderProgramGL::getAttribLocation(std::string_view name) const
     return data ? data->location : -1;
 }
 
+GLuint ShaderProgramGL::getBlockIndex(GLenum target, const std::string& name) const
+{
+    const GLuint* index = (target == GL_UNIFORM_BUFFER ? uniformBlocks : shaderStorageBlocks).find(name);
+    return index != nullptr ? *index : GL_INVALID_INDEX;
+}
+
 void ShaderProgramGL::bindBlock(const ShaderBufferGL& buffer, GLuint bindingPoint) const
 {
-    if (buffer.getTarget() == GL_UNIFORM_BUFFER)
+    const GLuint index = buffer.findBlock(*this);
+    if (index == GL_INVALID_INDEX)
     {
-        if (const GLuint* index = uniformBlocks.find(buffer.getName()))
-        {
-            glUniformBlockBinding(id, *index, bindingPoint);
-        }
         return;
     }
-    if (const GLuint* index = shaderStorageBlocks.find(buffer.getName()))
+    if (buffer.getTarget() == GL_UNIFORM_BUFFER)
     {
-        glShaderStorageBlockBinding(id, *index, bindingPoint);
+        glUniformBlockBinding(id, index, bindingPoint);
+    }
+    else
+    {
+        glShaderStorageBlockBinding(id, index, bindingPoint);
     }
 }
 

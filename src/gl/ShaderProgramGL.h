@@ -57,6 +57,13 @@ public:
     GLint getPointSizeLocation() const { return pointSizeLocation; }
 
     const NameMap<GLint>& getUniforms() const { return uniforms; }
+    /// Index of a block of the target GL_UNIFORM_BUFFER or else GL_SHADER_STORAGE_BUFFER, GL_INVALID_INDEX when the
+    /// program lacks it.
+    GLuint getBlockIndex(GLenum target, const std::string& name) const;
+    /// A number that no other link of any program has, 0 before the first one. What was found in the maps holds as long
+    /// as it stays.
+    uint64_t getLinkStamp() const { return linkStamp; }
+
     const NameMap<AttribData>& getAttributes() const { return attributes; }
     const NameMap<GLuint>& getShaderStorageBlocks() const { return shaderStorageBlocks; }
     const NameMap<GLuint>& getUniformBlocks() const { return uniformBlocks; }
@@ -81,6 +88,7 @@ private:
     GLenum varyingBufferMode = GL_INTERLEAVED_ATTRIBS;
     GLint useMergedShaderBuffersLocation = -1;
     GLint pointSizeLocation = -1;
+    uint64_t linkStamp = 0;
 };
 
 } // namespace renderengine

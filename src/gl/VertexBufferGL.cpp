@@ -30,7 +30,19 @@ void VertexBufferGL::update(const VertexBufferProperties& newProperties, BufferG
     divisor = properties.divisor;
     offset = properties.offset;
     name = properties.name;
+    foundLocation = -1;
+    foundInLink = 0;
     setDirty(true);
+}
+
+GLint VertexBufferGL::findLocation(const ShaderProgramGL& program) const
+{
+    if (foundInLink != program.getLinkStamp())
+    {
+        foundLocation = program.getAttribLocation(name);
+        foundInLink = program.getLinkStamp();
+    }
+    return foundLocation;
 }
 
 GLint VertexBufferGL::bind(const ShaderProgramGL* program) const
@@ -39,12 +51,12 @@ GLint VertexBufferGL::bind(const ShaderProgramGL* program) const
     {
         return -1;
     }
-    glBindBuffer(GL_ARRAY_BUFFER, getBuffer()->getName());
+    glBindBuffer(GL_ARRAY_BUFFER, getBufferName());
     if (!program)
     {
         return -1;
     }
-    const GLint location = program->getAttribLocation(name);
+    const GLint location = findLocation(*program);
     if (location < 0)
     {
         return location;

@@ -41,12 +41,17 @@ public:
     const VertexBufferProperties& getProperties() const { return properties; }
 
 private:
+    GLint findLocation(const ShaderProgramGL& program) const;
+
     GLint componentCount = 4;
     GLenum type = GL_FLOAT;
     GLboolean normalized = GL_FALSE;
     GLsizei stride = 0;
     GLuint divisor = 0;
+    // The last answer of a program: a name is looked up once for each program that the view is drawn with in turn.
+    mutable GLint foundLocation = -1;
     uint64_t offset = 0;
+    mutable uint64_t foundInLink = 0;
     std::string name;
     VertexBufferProperties properties;
 };

@@ -1,8 +1,12 @@
 #include "RendererFixture.h"
 
+#include "gl/ShaderBufferIndices.h"
+
 #include <kavelor/SoPreferences.h>
 
 #include <cstring>
+#include <utility>
+#include <vector>
 
 namespace renderengine
 {
@@ -366,6 +370,93 @@ TEST_F(RendererGL41MergeTest, NothingIsLeftOfMergingAfterDestroy)
     drawCalls(scene);
     renderer->destroy();
     EXPECT_EQ(gl.liveObjects(), Texts{});
+}
+
+/// The handles and places in the order of iteration.
+std::vector<std::pair<uint32_t, int32_t>> contentOf(const ShaderBufferIndices& indices)
+{
+    std::vector<std::pair<uint32_t, int32_t>> content;
+    for (const auto& [handle, place] : indices)
+    {
+        content.emplace_back(handle.id, place);
+    }
+    return content;
+}
+
+TEST(ShaderBufferIndicesTest, PlacesFollowTheOrderOfAdditionAndEntriesThatOfHandles)
+{
+    const std::vector<std::pair<uint32_t, int32_t>> expected = {{2, 1}, {5, 0}, {7, 3}, {9, 2}};
+    ShaderBufferIndices added;
+    std::vector<ShaderBufferHandle> handles;
+    for (const uint32_t id : {5u, 2u, 5u, 9u, 2u, 7u, 9u})
+    {
+        handles.emplace_back(id);
+        added.add(handles.back());
+    }
+    EXPECT_EQ(contentOf(added), expected);
+
+    ShaderBufferIndices assigned;
+    assigned.add(ShaderBufferHandle(1));
+    assigned.assign(handles);
+    EXPECT_EQ(contentOf(assigned), expected);
+    EXPECT_EQ(assigned.get(ShaderBufferHandle(9)), 2);
+    EXPECT_EQ(assigned.get(ShaderBufferHandle(3)), 0) << "a handle that was not added";
+}
+
+TEST(ShaderBufferIndicesTest, TakesRisingHandlesAndTheInvalidOne)
+{
+    const std::vector<std::pair<uint32_t, int32_t>> expected = {{0, 0}, {3, 1}, {4, 2}, {0xFFFFFFFF, 3}};
+    const std::vector<ShaderBufferHandle> handles = {ShaderBufferHandle(0), ShaderBufferHandle(3),
+                                                     ShaderBufferHandle(4), ShaderBufferHandle()};
+    ShaderBufferIndices added;
+    for (const ShaderBufferHandle& handle : handles)
+    {
+        added.add(handle);
+    }
+    EXPECT_EQ(contentOf(added), expected);
+    ShaderBufferIndices assigned;
+    assigned.assign(handles);
+    EXPECT_EQ(contentOf(assigned), expected);
+}
+
+TEST_F(RendererGL41MergeTest, DrawsOfEqualRecordsKeepTheScaleOfTheirOwnViewport)
+{
+    Scene scene = makeScene();
+    scene.gfxState.rasterizer.pointSize = 2.0f;
+    scene.shaderState.viewport = makeViewport(8, 6, 3.0f);
+    const DrawHandle large = makeDraw(scene, {scene.member});
+    scene.shaderState.viewport = ViewportHandle();
+    scene.gfxState.rasterizer.sizeScale = 4.0f;
+    const DrawHandle own = makeDraw(scene, {scene.member});
+    const auto sizes = [this](const DrawHandle& draw)
+    {
+        gl.clear();
+        run<CommandRender>(draw);
+        return gl.callsMatching("glUniform1f(");
+    };
+    for (int i = 0; i < 2; ++i)
+    {
+        EXPECT_EQ(sizes(large), Texts{"glUniform1f(0, 6)"});
+        EXPECT_EQ(sizes(own), Texts{"glUniform1f(0, 8)"});
+    }
+}
+
+TEST_F(RendererGL41MergeTest, ViewsFindTheirPlaceInEachProgramTheyAreDrawnWith)
+{
+    Scene scene = makeScene();
+    drawCalls(scene);
+    gl.setReflection({{{"normal", GL_FLOAT_VEC3}, {"position", GL_FLOAT_VEC3}}, {}, {}, {}});
+    scene.shaderState.program = makeProgram();
+    const DrawHandle other = makeDraw(scene, {scene.member});
+    for (int i = 0; i < 2; ++i)
+    {
+        gl.clear();
+        run<CommandRender>(other);
+        EXPECT_EQ(gl.callsMatching("glEnableVertexAttribArray("), Texts{"glEnableVertexAttribArray(1)"});
+        gl.clear();
+        run<CommandRender>(scene.draw);
+        EXPECT_EQ(gl.callsMatching("glEnableVertexAttribArray("), Texts{"glEnableVertexAttribArray(0)"});
+    }
 }
 
 } // namespace
