@@ -38,10 +38,10 @@ public:
     /// Often a value at the edge of a type or of one of the engine's tables.
     uint32_t number()
     {
-        static constexpr uint32_t EDGES[] = {0,    1,    2,     3,     4,          5,          6,          7,
-                                             8,    9,    15,    16,    31,         32,         33,         84,
-                                             85,   255,  256,   32767, 32768,      65535,      65536,      0x3FFFFFFF,
-                                             1000, 4096, 99999, 21,    0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF};
+        static constexpr uint32_t EDGES[] = {0,     1,    2,     3,     4,          5,          6,          7,
+                                             8,     9,    15,    16,    31,         32,         33,         84,
+                                             85,    255,  256,   32767, 32768,      65535,      65536,      0x3FFFFFFF,
+                                             16384, 4096, 16385, 21,    0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF};
         const uint8_t choice = byte();
         return choice < 0xC0 ? EDGES[choice % std::size(EDGES)] : word();
     }

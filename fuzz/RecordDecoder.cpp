@@ -13,7 +13,45 @@ namespace
 constexpr uint32_t PIXEL_SIDE = 16;
 
 /// What all pointers to pixels and bytes lead to.
-uint8_t s_memory[PIXEL_SIDE * PIXEL_SIDE * PIXEL_SIDE * 32];
+/// A cube-map array reads six images for each of its layers.
+uint8_t s_memory[PIXEL_SIDE * PIXEL_SIDE * PIXEL_SIDE * 32 * 6];
+
+/// A shader for each stage, with the names that ByteReader::text() gives.
+constexpr const char* SHADERS[] = {
+    "#version 330\n"
+    "in vec3 position;\n"
+    "in vec3 normal;\n"
+    "layout(std140) uniform Transform { mat4 transforms[4]; };\n"
+    "uniform mat4 matrix;\n"
+    "out vec3 passed;\n"
+    "void main() { passed = normal; gl_Position = matrix * transforms[0] * vec4(position, 1.0); }\n",
+    "#version 330\n"
+    "layout(triangles) in;\n"
+    "layout(triangle_strip, max_vertices = 3) out;\n"
+    "in vec3 passed[];\n"
+    "out vec3 carried;\n"
+    "void main() { for (int i = 0; i < 3; ++i) { carried = passed[i]; gl_Position = gl_in[i].gl_Position;\n"
+    "EmitVertex(); } }\n",
+    "#version 330\n"
+    "uniform vec4 color[3];\n"
+    "uniform sampler2D normalMap;\n"
+    "layout(std140) uniform Lights { vec4 lights[4]; };\n"
+    "out vec4 result;\n"
+    "void main() { result = color[1] + lights[2] + texture(normalMap, vec2(0.5)); }\n",
+    "#version 400\n"
+    "layout(vertices = 3) out;\n"
+    "void main() { gl_out[gl_InvocationID].gl_Position = gl_in[gl_InvocationID].gl_Position;\n"
+    "gl_TessLevelOuter[0] = gl_TessLevelOuter[1] = gl_TessLevelOuter[2] = gl_TessLevelInner[0] = 2.0; }\n",
+    "#version 400\n"
+    "layout(triangles) in;\n"
+    "void main() { gl_Position = gl_in[0].gl_Position * gl_TessCoord.x + gl_in[1].gl_Position; }\n",
+    "#version 430\n"
+    "layout(local_size_x = 4) in;\n"
+    "uniform vec4 color[3];\n"
+    "layout(std430) buffer Lights { vec4 lights[]; };\n"
+    "layout(rgba8) uniform image2D matrix;\n"
+    "void main() { lights[gl_GlobalInvocationID.x] = color[2];\n"
+    "imageStore(matrix, ivec2(gl_GlobalInvocationID.xy), color[1]); }\n"};
 
 } // namespace
 
@@ -244,6 +282,11 @@ ShaderObjectProperties RecordDecoder::shaderObject()
 {
     ShaderObjectProperties properties;
     properties.stage = m_reader.number();
+    if (m_limits.validShaders && m_reader.byte() < 0xE0)
+    {
+        properties.source = SHADERS[properties.stage % std::size(SHADERS)];
+        return properties;
+    }
     properties.source = m_reader.text();
     return properties;
 }
@@ -282,6 +325,11 @@ ComputeProperties RecordDecoder::compute()
 {
     ComputeProperties properties;
     fillValue(properties.groups);
+    for (size_t i = 0; i < 3; ++i)
+    {
+        properties.groups[i] = static_cast<int32_t>(
+            limited(static_cast<uint32_t>(properties.groups[i]), m_limits.groupCount, m_limits.refusedGroupCount));
+    }
     properties.releaseState = m_reader.flag();
     return properties;
 }

@@ -43,6 +43,13 @@ struct Limits
     uint32_t drawCount = 0xFFFFFFFF;
     /// Width, height and depth of a texture without pixels.
     uint32_t textureSize = 0xFFFFFFFF;
+    /// Sizes from here on are given as they are, since the device refuses them.
+    uint64_t refusedTextureSize = 0x100000000;
+    /// Groups of a compute in each direction; from refusedGroupCount on as they are.
+    uint32_t groupCount = 0xFFFFFFFF;
+    uint64_t refusedGroupCount = 0x100000000;
+    /// Shaders that compile, most of the time, instead of text.
+    bool validShaders = false;
 };
 
 /// Makes records with values of all kinds from the bytes of an input. Handles are live, stale, invalid or never given
@@ -128,10 +135,13 @@ public:
         }
     }
 
-    uint32_t textureSize() { return limited(m_reader.number(), m_limits.textureSize); }
+    uint32_t textureSize() { return limited(m_reader.number(), m_limits.textureSize, m_limits.refusedTextureSize); }
 
 private:
-    static uint32_t limited(uint32_t value, uint32_t limit) { return value <= limit ? value : value % (limit + 1); }
+    static uint32_t limited(uint32_t value, uint32_t limit, uint64_t refused = 0x100000000)
+    {
+        return value <= limit || value >= refused ? value : value % (limit + 1);
+    }
 
     void fillValue(float& value) { value = m_reader.real(); }
     void fillValue(int& value) { value = m_reader.integer(); }
