@@ -60,15 +60,15 @@ RENDERENGINE_API PIXELFORMATDESCRIPTOR* getWindowVisualInfo(HDC display, int dra
 RENDERENGINE_API void releaseVisualInfo(PIXELFORMATDESCRIPTOR* visualInfo);
 
 /// Creates a context on `display`, sharing objects with `shared` when that is not null. `layer` names the layer plane
-/// of a debug context. Returns null on failure, after one line in the log. The caller owns the context.
-RENDERENGINE_API HGLRC createContext(HDC display, PIXELFORMATDESCRIPTOR* visualInfo, HGLRC shared, bool direct,
-                                     int layer);
+/// of a debug context; `pfd` and `direct` are not used. Returns null on failure, after at most one line in the log. The
+/// caller owns the context.
+RENDERENGINE_API HGLRC createContext(HDC display, PIXELFORMATDESCRIPTOR* pfd, HGLRC shared, bool direct, int layer);
 
 /// Creates a context on `display` through `wglCreateContextAttribsARB`, sharing objects with `shared` when that is not
-/// null. `attributes` is a zero-ended list of pairs; empty means the system's defaults. What was current on entry is
-/// current again on return. Returns null on failure. The caller owns the context. Not to be called by two threads at a
-/// time before the first call has returned.
-RENDERENGINE_API HGLRC createContextAttribs(HDC display, PIXELFORMATDESCRIPTOR* visualInfo, HGLRC shared, bool direct,
+/// null. `attributes` is a zero-ended list of pairs; empty means the system's defaults; `pfd` and `direct` are not
+/// used. What was current on entry is current again on return. Returns null on failure. The caller owns the context.
+/// Not to be called by two threads at a time before the first call has returned.
+RENDERENGINE_API HGLRC createContextAttribs(HDC display, PIXELFORMATDESCRIPTOR* pfd, HGLRC shared, bool direct,
                                             const std::vector<int>& attributes);
 
 /// Makes `context` current on the calling thread, or nothing when it is null. A refusal is tried again, up to 5 times

@@ -204,7 +204,7 @@ void releaseVisualInfo(PIXELFORMATDESCRIPTOR* visualInfo)
     }
 }
 
-HGLRC createContext(HDC display, PIXELFORMATDESCRIPTOR* visualInfo, HGLRC shared, bool direct, int layer)
+HGLRC createContext(HDC display, PIXELFORMATDESCRIPTOR* pfd, HGLRC shared, bool direct, int layer)
 {
     // The driver stops reading at the first zero, so it gives its default context here, never a debug one.
     std::vector<int> attributes = {0, 0, 0};
@@ -219,10 +219,10 @@ HGLRC createContext(HDC display, PIXELFORMATDESCRIPTOR* visualInfo, HGLRC shared
         }
         attributes.push_back(0);
     }
-    return createContextAttribs(display, visualInfo, shared, direct, attributes);
+    return createContextAttribs(display, pfd, shared, direct, attributes);
 }
 
-HGLRC createContextAttribs(HDC display, PIXELFORMATDESCRIPTOR* /*visualInfo*/, HGLRC shared, bool /*direct*/,
+HGLRC createContextAttribs(HDC display, PIXELFORMATDESCRIPTOR* /*pfd*/, HGLRC shared, bool /*direct*/,
                            const std::vector<int>& attributes)
 {
     if (s_createContextAttribsLookedUp && !s_createContextAttribs)

@@ -178,6 +178,17 @@ TEST(Format, TakesADisplayOfItsOwnForTheWindow)
     EXPECT_EQ(platform.takeCalls(), (Calls{"WindowFromDC(hostDisplay)", "ReleaseDC(hostWindow, hostDisplay)"}));
 }
 
+TEST(Format, TakingItsOwnDisplayAgainChangesNothing)
+{
+    ScriptedPlatform platform;
+    Format format(platform.makeHostDisplay());
+    HDC display = format.getDisplay();
+    platform.takeCalls();
+    format.setDisplay(display);
+    EXPECT_EQ(format.getDisplay(), display);
+    EXPECT_EQ(platform.takeCalls(), Calls{});
+}
+
 TEST(Format, KeepsADisplayWithoutWindowAndDoesNotOwnIt)
 {
     ScriptedPlatform platform;
