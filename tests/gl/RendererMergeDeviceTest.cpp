@@ -92,6 +92,41 @@ TYPED_TEST(RendererMergeDeviceTest, MergedMembersShowTheSamePicture)
     this->template run<CommandDestroyDraw>(merged);
 }
 
+TYPED_TEST(RendererMergeDeviceTest, AddedMemberIsSeenAtOnceAndARemovedOneGoesWithTheNextChange)
+{
+    Scene scene = this->makeDeviceScene(this->link({{0, plainVertexText}, {2, colorFragmentText}}));
+    scene.shaderState.shaderParameters = {this->makeColor(green)};
+    const std::array<float, 12> corners = rectangle(-1, -0.75f);
+    const DrawProperties first = this->makeStrip(corners);
+    const DrawPropertiesHandle second = this->makeMember(this->makeStrip(rectangle(-0.5f, -0.25f)));
+    const DrawPropertiesHandle third = this->makeMember(this->makeStrip(rectangle(0.5f, 0.75f)));
+    const DrawHandle draw = this->makeDraw(scene, {this->makeMember(first), second});
+    const auto render = [&]
+    {
+        this->clear();
+        this->template run<CommandRender>(draw);
+        return this->read();
+    };
+    const Picture two = render();
+    EXPECT_EQ(this->count(two, green), 4 * pictureSize);
+    this->template run<CommandAddDrawProperties>(draw, third);
+    const Picture three = render();
+    EXPECT_EQ(this->count(three, green), 6 * pictureSize);
+    EXPECT_EQ(this->at(three, 12, 8), green);
+
+    this->template run<CommandRemoveDrawProperties>(draw, second);
+    EXPECT_EQ(render(), three);
+    VertexBufferProperties view;
+    view.componentCount = 3;
+    view.name = "position";
+    view.buffer = this->makeBuffer(sizeof(corners), corners.data());
+    this->template run<CommandUpdateVertexBuffer>(first.vertexBuffers[0], view);
+    const Picture changed = render();
+    EXPECT_EQ(this->count(changed, green), 4 * pictureSize);
+    EXPECT_EQ(this->at(changed, 4, 8), black);
+    this->template run<CommandDestroyDraw>(draw);
+}
+
 class RendererGL46MergeDeviceTest : public BothRenderersDevice<RendererGL46>
 {
 protected:
