@@ -70,8 +70,8 @@ public:
     /// The number of commands.
     uint64_t size() const { return m_commands.size(); }
 
-    CommandSequence::const_iterator begin() const { return m_commands.begin(); }
-    CommandSequence::const_iterator end() const { return m_commands.end(); }
+    CommandSequence::Iterator begin() const { return m_commands.begin(); }
+    CommandSequence::Iterator end() const { return m_commands.end(); }
 
 private:
     /// A list of fewer commands takes them from the heap one by one: a chunk would stay unused for the most part.

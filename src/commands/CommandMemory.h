@@ -13,7 +13,7 @@ class CommandMemory
 {
 public:
     /// Small enough for the allocator to cut it from its heap instead of mapping it.
-    static constexpr std::size_t PieceSize = 64 * 1024;
+    static constexpr std::size_t PieceSize = 65536;
     /// Alignment of a piece.
     static constexpr std::size_t PieceAlignment = 2048;
     /// Free pieces that are kept: 16 MiB, a scene of some 300000 draws.

@@ -30,7 +30,7 @@ class CommandSequence
 public:
     using Pointer = std::shared_ptr<CommandBase>;
 
-    class const_iterator
+    class Iterator
     {
     public:
         using iterator_category = std::forward_iterator_tag;
@@ -39,12 +39,12 @@ public:
         using pointer = const Pointer*;
         using reference = const Pointer&;
 
-        const_iterator() = default;
+        Iterator() = default;
 
         reference operator*() const noexcept { return *m_position; }
         pointer operator->() const noexcept { return m_position; }
 
-        const_iterator& operator++() noexcept
+        Iterator& operator++() noexcept
         {
             ++m_position;
             if (m_position == m_blockEnd && m_block != m_lastBlock)
@@ -54,25 +54,25 @@ public:
             return *this;
         }
 
-        const_iterator operator++(int) noexcept
+        Iterator operator++(int) noexcept
         {
-            const const_iterator former = *this;
+            const Iterator former = *this;
             ++*this;
             return former;
         }
 
         // The position alone would not do: the end of one block may be the start of another.
-        bool operator==(const const_iterator& other) const noexcept
+        bool operator==(const Iterator& other) const noexcept
         {
             return m_position == other.m_position && m_block == other.m_block;
         }
-        bool operator!=(const const_iterator& other) const noexcept { return !(*this == other); }
+        bool operator!=(const Iterator& other) const noexcept { return !(*this == other); }
 
     private:
         friend class CommandSequence;
 
-        const_iterator(const Block* block, const Block* lastBlock) noexcept : m_lastBlock(lastBlock) { enter(block); }
-        const_iterator(const Block* block, const Pointer* position) noexcept : m_position(position), m_block(block) {}
+        Iterator(const Block* block, const Block* lastBlock) noexcept : m_lastBlock(lastBlock) { enter(block); }
+        Iterator(const Block* block, const Pointer* position) noexcept : m_position(position), m_block(block) {}
 
         void enter(const Block* block) noexcept
         {
@@ -132,14 +132,8 @@ public:
         return m_blocksInUse == 0 ? 0 : current().offset + static_cast<uint64_t>(m_end - current().first);
     }
 
-    const_iterator begin() const noexcept
-    {
-        return m_blocksInUse == 0 ? const_iterator() : const_iterator(m_blocks.data(), &current());
-    }
-    const_iterator end() const noexcept
-    {
-        return m_blocksInUse == 0 ? const_iterator() : const_iterator(&current(), m_end);
-    }
+    Iterator begin() const noexcept { return m_blocksInUse == 0 ? Iterator() : Iterator(m_blocks.data(), &current()); }
+    Iterator end() const noexcept { return m_blocksInUse == 0 ? Iterator() : Iterator(&current(), m_end); }
 
 private:
     const Block& current() const noexcept { return m_blocks[m_blocksInUse - 1]; }

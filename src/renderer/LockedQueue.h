@@ -17,7 +17,7 @@ public:
     void push(const T& value)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_queue.push_back(value);
+        m_queue.push(value);
     }
 
     /// Removes the front and returns it; returns an empty T at once when the queue is empty.
@@ -51,7 +51,7 @@ private:
         if (!m_queue.empty())
         {
             front = std::move(m_queue.front());
-            m_queue.pop_front();
+            m_queue.pop();
         }
         return front;
     }

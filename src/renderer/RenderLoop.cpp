@@ -38,7 +38,7 @@ void RenderLoop::pushEvent(uint32_t type, bool wait)
     const auto event = std::make_shared<EventObject>(EventObject{type, false});
 
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_events.push_back(event);
+    m_events.push(event);
     m_eventPushed.notify_one();
     while (wait && !event->m_done)
     {
@@ -59,7 +59,7 @@ std::shared_ptr<RenderLoop::EventObject> RenderLoop::waitForEvent()
         m_eventPushed.wait(lock);
     }
     std::shared_ptr<EventObject> event = std::move(m_events.front());
-    m_events.pop_front();
+    m_events.pop();
     return event;
 }
 

@@ -104,7 +104,7 @@ void RendererBase::execute()
     if (!m_frameQueue.empty())
     {
         m_frameQueue.front()->execute(*this);
-        m_frameQueue.pop_front();
+        m_frameQueue.pop();
         finish();
     }
 }
@@ -141,7 +141,7 @@ std::shared_ptr<Frame> RendererBase::endFrame()
 {
     auto next = std::make_shared<Frame>();
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_frameQueue.push_back(m_frame);
+    m_frameQueue.push(m_frame);
     m_frame.swap(next);
     return next;
 }
@@ -151,7 +151,7 @@ void RendererBase::discardFrame()
     if (!m_frameQueue.empty())
     {
         m_frameQueue.front()->clear();
-        m_frameQueue.pop_front();
+        m_frameQueue.pop();
     }
 }
 

@@ -23,7 +23,7 @@ public:
     T& front() noexcept { return m_ring[m_first]; }
 
     /// Appends at the back. Throws std::bad_alloc and leaves the queue as it was.
-    void push_back(T value)
+    void push(T value)
     {
         if (m_size == m_ring.size())
         {
@@ -34,7 +34,7 @@ public:
     }
 
     /// Removes the front; there must be one.
-    void pop_front()
+    void pop()
     {
         // It goes when the queue is in order again: its destructor may be the client's.
         [[maybe_unused]] const T front = std::move(m_ring[m_first]);

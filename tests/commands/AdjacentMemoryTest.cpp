@@ -15,7 +15,7 @@
 namespace
 {
 
-constexpr std::size_t SIZE = 16 * 1024 * 1024;
+constexpr std::size_t SIZE = 1u << 24;
 alignas(16) char s_memory[SIZE];
 std::size_t s_left = SIZE;
 

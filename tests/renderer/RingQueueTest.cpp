@@ -16,18 +16,18 @@ TEST(RingQueueTest, GivesElementsInTheOrderTheyCameWhereverTheRingStarts)
         RingQueue<int> queue;
         for (int i = 0; i < start; ++i)
         {
-            queue.push_back(i);
-            queue.pop_front();
+            queue.push(i);
+            queue.pop();
         }
         for (int i = 0; i < 100; ++i)
         {
-            queue.push_back(i);
+            queue.push(i);
         }
         EXPECT_EQ(queue.size(), 100u);
         for (int i = 0; i < 100; ++i)
         {
             ASSERT_EQ(queue.front(), i);
-            queue.pop_front();
+            queue.pop();
         }
         EXPECT_TRUE(queue.empty());
     }
@@ -39,11 +39,11 @@ TEST(RingQueueTest, TakesTurnsOfPushingAndPopping)
     int expected = 0;
     for (int i = 0; i < 1000; ++i)
     {
-        queue.push_back(i);
+        queue.push(i);
         if (i % 3 != 0)
         {
             ASSERT_EQ(queue.front(), expected++);
-            queue.pop_front();
+            queue.pop();
         }
     }
     EXPECT_EQ(queue.size(), static_cast<std::size_t>(1000 - expected));
@@ -55,11 +55,11 @@ TEST(RingQueueTest, DropsItsReferenceWithTheElement)
     RingQueue<std::shared_ptr<int>> queue;
     for (int i = 0; i < 6; ++i)
     {
-        queue.push_back(held);
+        queue.push(held);
     }
     EXPECT_EQ(held.use_count(), 7);
-    queue.pop_front();
-    queue.pop_front();
+    queue.pop();
+    queue.pop();
     EXPECT_EQ(held.use_count(), 5);
     queue = RingQueue<std::shared_ptr<int>>();
     EXPECT_EQ(held.use_count(), 1);
@@ -79,8 +79,8 @@ TEST(RingQueueTest, IsInOrderAgainWhenAnElementGoes)
 {
     RingQueue<std::shared_ptr<Watcher>> queue;
     std::size_t seen = 99;
-    queue.push_back(std::make_shared<Watcher>(queue, seen));
-    queue.pop_front();
+    queue.push(std::make_shared<Watcher>(queue, seen));
+    queue.pop();
     EXPECT_EQ(seen, 0u);
 }
 
