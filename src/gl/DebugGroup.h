@@ -32,10 +32,10 @@ private:
 #define RENDERENGINE_DEBUG_GROUP_JOIN2(a, b) a##b
 #define RENDERENGINE_DEBUG_GROUP_JOIN(a, b) RENDERENGINE_DEBUG_GROUP_JOIN2(a, b)
 
-/// Wraps the rest of the scope in a debug group whose text is FUNCTION, a blank and LABEL, all string literals. SOURCE
-/// is GL_DEBUG_SOURCE_APPLICATION or GL_DEBUG_SOURCE_THIRD_PARTY. Each site caches the setting twice, once for the push
-/// and once for the pop, at first use and for the life of the process.
-#define RENDERENGINE_DEBUG_GROUP(SOURCE, FUNCTION, LABEL)                                 \
+/// Wraps the rest of the scope in a debug group. TEXT is a string literal: the function, a blank, and a label or
+/// nothing. SOURCE is GL_DEBUG_SOURCE_APPLICATION or GL_DEBUG_SOURCE_THIRD_PARTY. Each site caches the setting twice,
+/// once for the push and once for the pop, at first use and for the life of the process.
+#define RENDERENGINE_DEBUG_GROUP(SOURCE, TEXT)                                            \
     const ::renderengine::DebugGroup RENDERENGINE_DEBUG_GROUP_JOIN(debugGroup, __LINE__)( \
         []                                                                                \
         {                                                                                 \
@@ -47,4 +47,4 @@ private:
             static const bool s_close = ::renderengine::DebugGroup::readSetting();        \
             return s_close;                                                               \
         },                                                                                \
-        SOURCE, FUNCTION " " LABEL)
+        SOURCE, TEXT)

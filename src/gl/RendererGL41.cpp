@@ -52,15 +52,15 @@ RendererGL41::~RendererGL41() = default;
 void RendererGL41::execute()
 {
     glbinding::refreshCurrentTable();
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "RenderLoop");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute RenderLoop");
     RendererBase::execute();
 }
 
 void RendererGL41::executeResourceCommands()
 {
     glbinding::refreshCurrentTable();
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::executeResourceCommands",
-                             "CreateResource");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY,
+                             "renderengine::RendererGL41::executeResourceCommands CreateResource");
     RendererBase::executeResourceCommands();
 }
 
@@ -97,7 +97,7 @@ void RendererGL41::begin()
 
 void RendererGL41::finish()
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::finish", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::finish ");
     if (m_useFence)
     {
         m_frameFence.insert();
@@ -117,7 +117,7 @@ void RendererGL41::presentFrameSync()
     {
         return;
     }
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::presentFrameSync", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::presentFrameSync ");
     if (m_useFence)
     {
         m_presentFence.insert();
@@ -135,7 +135,7 @@ void RendererGL41::finishFrame()
     {
         return;
     }
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::finishFrame", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::finishFrame ");
     if (m_useFence)
     {
         m_frameFence.wait();

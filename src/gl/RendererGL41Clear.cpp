@@ -54,7 +54,7 @@ void RendererGL41::execute(CommandClearRT& command)
     {
         return;
     }
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "CommandClearRT");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute CommandClearRT");
     // A task may have bound a target of its own behind the cached handle.
     if (m_stateUnknown || command.handle != m_currentRenderTarget)
     {

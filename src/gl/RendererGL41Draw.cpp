@@ -63,7 +63,7 @@ void RendererGL41::execute(CommandRender& command)
     {
         return;
     }
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "CommandRender");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute CommandRender");
     // Thousands of draws do not fit into the processor's caches. Most are drawn in the order in which they were made,
     // so the next one is fetched while GL is busy with this one; a wrong guess costs nothing.
     const DrawGL* next = find(m_tables.draws, DrawHandle(command.handle.id + 1));

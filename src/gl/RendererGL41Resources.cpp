@@ -192,8 +192,7 @@ void RendererGL41::forgetViewport(const ViewportHandle& handle)
 
 void RendererGL41::execute(CommandCreateSampler& command)
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute",
-                             "CommandCreateSampler");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute CommandCreateSampler");
     if (command.handle.isValid())
     {
         createResource(m_tables.samplers, command.handle).create(command.properties);
@@ -205,8 +204,8 @@ void RendererGL41::execute(CommandUpdateSampler& command)
     if (SamplerGL* sampler =
             findOrReport(m_tables.samplers, command.handle, "[RendererGL] Trying to update an invalid sampler."))
     {
-        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute",
-                                 "CommandUpdateSampler");
+        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY,
+                                 "renderengine::RendererGL41::execute CommandUpdateSampler");
         sampler->update(command.properties);
     }
 }
@@ -244,7 +243,7 @@ void RendererGL41::execute(CommandUpdateRenderTarget& command)
     {
         return;
     }
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "Update RenderTarget");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute Update RenderTarget");
     RenderTargetProperties properties;
     properties.srgb = command.properties.srgb;
     RenderTargetGL::TextureList textures;

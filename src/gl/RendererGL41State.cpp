@@ -76,7 +76,7 @@ void RendererGL41::copyViewportScale(const ViewportHandle& handle, float& sizeSc
 
 void RendererGL41::setupShaderState(const ShaderStateCoreProperties& shaderState, bool /*programmable*/)
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::setupShaderState", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::setupShaderState ");
     const ShaderProgramGL* program = find(m_tables.shaderPrograms, shaderState.program);
     if (program == nullptr)
     {
@@ -119,7 +119,7 @@ bool RendererGL41::isShaderStateUnknown(const ShaderStateCoreProperties& shaderS
 
 void RendererGL41::setupTextures(const TextureUnitProperties& block)
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::setupTextures", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::setupTextures ");
     for (GLuint unit = 0; unit < textureUnitCount; ++unit)
     {
         if (isUnitSet(block, unit))
@@ -132,7 +132,7 @@ void RendererGL41::setupTextures(const TextureUnitProperties& block)
 
 void RendererGL41::setupTexturesDifferential(const TextureUnitProperties& block)
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::setupTexturesDifferential", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::setupTexturesDifferential ");
     const TextureUnitProperties& current = m_currentShaderState.textures;
     for (GLuint unit = 0; unit < textureUnitCount; ++unit)
     {
@@ -168,7 +168,7 @@ void RendererGL41::makeRoomForTexture(GLuint unit, const TextureGL* previous, co
 
 void RendererGL41::unbindTextures(const TextureUnitProperties& block)
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::unbindTextures", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::unbindTextures ");
     for (GLuint unit = 0; unit < textureUnitCount; ++unit)
     {
         if (isUnitSet(block, unit))

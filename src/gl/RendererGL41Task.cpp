@@ -22,7 +22,7 @@ void RendererGL41::execute(CommandCompute& command)
     {
         return;
     }
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "CommandCompute");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute CommandCompute");
     // Differences only, also when draws send everything.
     if (shaderState.textures != m_currentShaderState.textures)
     {
@@ -57,7 +57,7 @@ void RendererGL41::execute(CommandTask& command)
 
 void RendererGL41::execute(CommandRenderTask& command)
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "CommandRenderTask");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute CommandRenderTask");
     const ShaderStateProperties& shaderState = command.shaderState;
     bindRenderTarget(shaderState.renderTarget);
     applyViewport(shaderState.viewport);

@@ -15,7 +15,7 @@ namespace renderengine
 
 void RendererGL41::execute(CommandCreateTexture& command)
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "Create Texture");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute Create Texture");
     if (command.handle.isValid())
     {
         createResource(m_tables.textures, command.handle, command.properties);
@@ -27,7 +27,7 @@ void RendererGL41::execute(CommandResizeTexture& command)
     if (TextureGL* texture =
             findOrReport(m_tables.textures, command.handle, "[RendererGL] Trying to resize an invalid texture."))
     {
-        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "Resize Texture");
+        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute Resize Texture");
         forgetTextures();
         texture->resize(command.width, command.height, command.depth);
         forgetDirtyRenderTarget();
@@ -39,8 +39,8 @@ void RendererGL41::execute(CommandUpdateTexture& command)
     if (TextureGL* texture =
             findOrReport(m_tables.textures, command.handle, "[RendererGL] Trying to update an invalid texture."))
     {
-        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute",
-                                 "CommandUpdateTexture");
+        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY,
+                                 "renderengine::RendererGL41::execute CommandUpdateTexture");
         forgetTextures();
         texture->update(command.properties);
         forgetDirtyRenderTarget();
@@ -52,8 +52,8 @@ void RendererGL41::execute(CommandUpdateTextureBatchData& command)
     if (TextureGL* texture =
             findOrReport(m_tables.textures, command.handle, "[RendererGL] Trying to update an invalid texture."))
     {
-        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute",
-                                 "CommandUpdateTextureBatchData");
+        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY,
+                                 "renderengine::RendererGL41::execute CommandUpdateTextureBatchData");
         texture->updateImages(command.properties);
         forgetDirtyRenderTarget();
     }

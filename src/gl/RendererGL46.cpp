@@ -48,7 +48,7 @@ void RendererGL46::begin()
 
 void RendererGL46::setupShaderState(const ShaderStateCoreProperties& shaderState, bool programmable)
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "DebugMarkerPushPop::DebugMarkerPushPop", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "DebugMarkerPushPop::DebugMarkerPushPop ");
     bool changed = isShaderStateUnknown(shaderState);
     RendererGL41::setupShaderState(shaderState, programmable);
     const ShaderProgramGL* program = find(m_tables.shaderPrograms, shaderState.program);
@@ -229,7 +229,7 @@ void RendererGL46::mergeShaderBuffers(Batch& batch, bool needRebuild)
     {
         return;
     }
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL46::mergeShaderBuffers", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL46::mergeShaderBuffers ");
     bool rebuild = needRebuild;
     for (size_t slot = 0; slot < slotCount && !rebuild; ++slot)
     {

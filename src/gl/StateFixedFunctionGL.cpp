@@ -120,7 +120,7 @@ GLenum validEnvironmentMode(GLenum mode)
 void StateGL::applyState(const TransformPart1Properties& transformPart1,
                          const TransformPart2Properties& transformPart2) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "Transform");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState Transform");
     glMatrixMode(GL_PROJECTION);
     glLoadMatrixf(transformPart2.projection.getValue());
     // Downwards, so that unit 0 is the active one at the end.
@@ -138,7 +138,7 @@ void StateGL::applyState(const TransformPart1Properties& transformPart1,
 void StateGL::applyState(const MaterialProperties& material, const LightingFlags& lightingFlags,
                          const LightProperties& lights) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "Material");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState Material");
     glColor4fv(material.diffuse.front.getValue());
     if (!lightingFlags.lighting)
     {
@@ -167,7 +167,7 @@ void StateGL::applyState(const MaterialProperties& material, const LightingFlags
 
 void StateGL::applyState(const MaterialProperties& material, const LightingFlags& lightingFlags) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "Material");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState Material");
     if (material.setColor)
     {
         glColor4fv(material.diffuse.front.getValue());
@@ -180,7 +180,7 @@ void StateGL::applyState(const MaterialProperties& material, const LightingFlags
 
 void StateGL::applyState(const TexGenProperties& texGen) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "TexGen");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState TexGen");
     for (unsigned i = 0; i < s_textureUnits; ++i)
     {
         glActiveTexture(GL_TEXTURE0 + i);
@@ -192,7 +192,7 @@ void StateGL::applyState(const TexGenProperties& texGen) const
 
 void StateGL::applyState(const TexEnvProperties& texEnv) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "TexEnv");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState TexEnv");
     for (unsigned i = 0; i < s_environmentUnits; ++i)
     {
         if ((texEnv.unitMask & (1u << i)) != 0)

@@ -104,7 +104,7 @@ StateGL::StateGL(std::shared_ptr<const GfxStateProperties> state)
 
 void StateGL::apply() const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::apply", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::apply ");
     applyState(properties->rasterizer);
     applyState(properties->colorOutput);
     applyState(properties->scissor);
@@ -113,7 +113,7 @@ void StateGL::apply() const
 
 void StateGL::applyDifferential(const GfxStateProperties& previous) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyDifferential", "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyDifferential ");
     if (previous.rasterizer != properties->rasterizer)
     {
         applyState(properties->rasterizer);
@@ -134,7 +134,7 @@ void StateGL::applyDifferential(const GfxStateProperties& previous) const
 
 void StateGL::applyState(const RasterizerProperties& rasterizer) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "Rasterizer");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState Rasterizer");
     if (const GLenum* fillMode = gltables::fillModes.find(rasterizer.fillMode))
     {
         glPolygonMode(GL_FRONT_AND_BACK, *fillMode);
@@ -152,7 +152,7 @@ void StateGL::applyState(const RasterizerProperties& rasterizer) const
 
 void StateGL::applyState(const ColorOutputProperties& colorOutput) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "ColorOutput");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState ColorOutput");
     for (GLuint i = 0; i < s_drawBufferCount; ++i)
     {
         applyColorTarget(i, colorOutput.targets[i]);
@@ -173,7 +173,7 @@ void StateGL::applyState(const ColorOutputProperties& colorOutput) const
 
 void StateGL::applyState(const ScissorProperties& scissor) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "Scissor");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState Scissor");
     setEnabled(GL_SCISSOR_TEST, scissor.enable);
     if (scissor.enable)
     {
@@ -183,7 +183,7 @@ void StateGL::applyState(const ScissorProperties& scissor) const
 
 void StateGL::applyState(const DepthStencilProperties& depthStencil) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "DepthStencil");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState DepthStencil");
     setEnabled(GL_DEPTH_TEST, depthStencil.depthTest);
     glDepthMask(depthStencil.depthWrite);
     if (const GLenum* depthFunc = gltables::comparisons.find(depthStencil.depthFunc))
@@ -200,7 +200,7 @@ void StateGL::applyState(const DepthStencilProperties& depthStencil) const
 
 void StateGL::applyState(const StencilProperties& stencil, GLenum face) const
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState", "Stencil");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::applyState Stencil");
     if (const GLenum* func = gltables::comparisons.find(stencil.func))
     {
         glStencilFuncSeparate(face, *func, static_cast<GLint>(stencil.reference), stencil.readMask);

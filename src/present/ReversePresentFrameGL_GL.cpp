@@ -118,8 +118,8 @@ void ReversePresentFrameGL_GL::reversePresentFrame(const FramebufferParameterEve
     {
         return;
     }
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::ReversePresentFrameGL_GL::reversePresentFrame",
-                             "");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY,
+                             "renderengine::ReversePresentFrameGL_GL::reversePresentFrame ");
     const auto savedRead = static_cast<GLuint>(fullscreen::getInteger(GL_READ_FRAMEBUFFER_BINDING));
     const auto savedDraw = static_cast<GLuint>(fullscreen::getInteger(GL_DRAW_FRAMEBUFFER_BINDING));
     copyFramebuffer(frame.getSize(), frame.getColorTexId(), frame.getDepthTexId(), savedDraw);

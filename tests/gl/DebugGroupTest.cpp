@@ -12,7 +12,7 @@ namespace
 
 void work()
 {
-    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute", "CommandRender");
+    RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute CommandRender");
     glFlush();
 }
 
@@ -45,7 +45,7 @@ TEST_F(DebugGroupTest, AnEmptyLabelLeavesTheBlankAtTheEnd)
 {
     setGroups(true);
     {
-        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::apply", "");
+        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "renderengine::StateGL::apply ");
     }
     EXPECT_EQ(gl.takeCalls(),
               (Texts{"glPushDebugGroup(GL_DEBUG_SOURCE_APPLICATION, 1, 29, \"renderengine::StateGL::apply \")",
@@ -67,7 +67,7 @@ TEST_F(DebugGroupTest, OpenAndCloseOfASiteReadTheSettingSeparately)
 {
     setGroups(true);
     {
-        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "function", "label");
+        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_APPLICATION, "function label");
         setGroups(false);
     }
     EXPECT_EQ(gl.countOf("glPushDebugGroup"), 1u);

@@ -65,7 +65,7 @@ TEST_F(DebugOutputGLDeviceTest, DebugGroupsAreAnnouncedWithTheirText)
     glDebugMessageControl(GL_DONT_CARE, GL_DONT_CARE, GL_DONT_CARE, 0, nullptr, GL_TRUE);
     glDebugMessageCallback(debugOutputCallback, nullptr);
     {
-        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "function", "label");
+        RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "function label");
     }
     glDebugMessageCallback(nullptr, nullptr);
     const std::string line = "error: 1: UNKNOWN of NOTIFICATION severity, raised from THIRD PARTY: function label";
