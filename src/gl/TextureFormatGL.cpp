@@ -1,5 +1,7 @@
 #include "gl/TextureFormatGL.h"
 
+#include <limits>
+
 namespace renderengine
 {
 
@@ -25,6 +27,11 @@ TextureShape textureShape(GLenum target)
     default:
         return TextureShape::None;
     }
+}
+
+GLsizei cubeLayers(uint32_t cubes)
+{
+    return cubes <= std::numeric_limits<GLsizei>::max() / 6 ? static_cast<GLsizei>(6 * cubes) : -1;
 }
 
 uint32_t pixelComponents(GLenum format)

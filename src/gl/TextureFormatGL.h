@@ -22,6 +22,10 @@ enum class TextureShape
 /// The shape of a texture target; None for GL_TEXTURE_BUFFER, which has no images.
 TextureShape textureShape(GLenum target);
 
+/// Layers of so many cubes of a cube-map array: six each. Numbers beyond GLsizei give -1, which GL refuses before all
+/// else; a product that wraps around could be one that GL takes.
+GLsizei cubeLayers(uint32_t cubes);
+
 /// Components of a pixel format, 4 for unknown ones.
 uint32_t pixelComponents(GLenum format);
 

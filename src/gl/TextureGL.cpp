@@ -226,7 +226,7 @@ void TextureGL::sendSubImage(const TextureUpdateBatchData& image, GLenum imageFo
     case TextureShape::Volume:
     {
         // A cube-map array counts cubes in depth, but z is a layer-face as it stands.
-        const GLsizei layers = target == GL_TEXTURE_CUBE_MAP_ARRAY ? slices * GLsizei{s_faceCount} : slices;
+        const GLsizei layers = target == GL_TEXTURE_CUBE_MAP_ARRAY ? cubeLayers(image.depth) : slices;
         glTexSubImage3D(target, level, x, y, z, columns, rows, layers, imageFormat, imageType, image.data);
         break;
     }

@@ -57,7 +57,7 @@ TextureGL::LevelSize TextureGL::levelSize(GLsizei level) const
     }
     else if (target == GL_TEXTURE_CUBE_MAP_ARRAY)
     {
-        size.depth *= s_faceCount;
+        size.depth = cubeLayers(depth);
     }
     return size;
 }

@@ -247,6 +247,16 @@ TEST_F(TextureGLTest, PackedTypesCountAsWholePixels)
     EXPECT_TRUE(pixelTypeSize(GL_UNSIGNED_INT_10F_11F_11F_REV).isWholePixel);
 }
 
+TEST_F(TextureGLTest, LayersOfCubesBeyondEverySizeDoNotWrapAround)
+{
+    EXPECT_EQ(cubeLayers(0), 0);
+    EXPECT_EQ(cubeLayers(2), 12);
+    EXPECT_EQ(cubeLayers(0x15555555u), 0x7FFFFFFE);
+    EXPECT_EQ(cubeLayers(0x15555556u), -1);
+    EXPECT_EQ(cubeLayers(0x80000000u), -1) << "six times this is 0 in 32 bits";
+    EXPECT_EQ(cubeLayers(0xFFFFFFFFu), -1);
+}
+
 TEST_F(TextureGLTest, BindSwitchesFixedFunctionTargets)
 {
     TextureGL texture(textureOf(Plane, 1, 1));
