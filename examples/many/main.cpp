@@ -31,7 +31,7 @@ void run(const many::Options& options)
     const viewer::Model model = many::makeCubeField(options.cubes);
     viewer::SceneRenderer renderer(*context, model, options.width, options.height, options.merging);
     const std::string times = viewer::drawFrames(renderer, options);
-    std::printf("%u cubes, %zu draws, renderer %s\n", options.cubes, renderer.drawCount(), options.renderer.c_str());
+    std::printf("renderer %s (cubes: %u, draws: %zu)\n", options.renderer.c_str(), options.cubes, renderer.drawCount());
     if (mergeLog)
         for (const std::string& line : mergeLog->takeLines())
             std::printf("%s\n", line.c_str());

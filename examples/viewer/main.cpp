@@ -27,7 +27,7 @@ void drawModel(renderengine::ContextInterface& context, const viewer::Model& mod
 {
     viewer::SceneRenderer renderer(context, model, options.width, options.height, options.merging);
     const std::string times = viewer::drawFrames(renderer, options);
-    std::printf("%s: %zu triangles, %zu meshes, %zu draws\n", options.model.c_str(), model.triangleCount(),
+    std::printf("%s (triangles: %zu, meshes: %zu, draws: %zu)\n", options.model.c_str(), model.triangleCount(),
                 model.meshes.size(), renderer.drawCount());
     if (mergeLog != nullptr)
         for (const std::string& line : mergeLog->takeLines())

@@ -114,7 +114,7 @@ void RendererGL41::explainMerging(const DrawHandle& handle, const DrawGL& draw, 
             rangeCount += mergedDraw.count.size();
         }
     }
-    spdlog::info("Merging: draw {} is merged: {} geometries with {} ranges in {} batches with {} draw calls", handle.id,
+    spdlog::info("Merging: draw {} is merged (geometries: {}, ranges: {}, batches: {}, draw calls: {})", handle.id,
                  draw.drawProperties.size(), rangeCount, draw.batches.size(), callCount);
 }
 

@@ -64,7 +64,7 @@ TEST(ManyDeviceTest, SplitsWhatDoesNotFitIntoOneUniformBlock)
     const ScratchFolder folder;
     const ViewerRun run = runMany(folder, {"1030", "--explain", "--size", "160x100", "--frames", "1"});
     ASSERT_EQ(run.exitCode, 0) << run.error;
-    EXPECT_THAT(run.out, HasSubstr("1030 geometries with 1030 ranges in 2 batches with 2 draw calls"));
+    EXPECT_THAT(run.out, HasSubstr("(geometries: 1030, ranges: 1030, batches: 2, draw calls: 2)"));
     EXPECT_EQ(loadPng((folder / "many.png").string()).pixels, drawMany(folder, {"1030", "--no-merging"}).pixels);
 }
 
@@ -73,7 +73,7 @@ TEST(ManyDeviceTest, TellsFrameTimes)
     const ScratchFolder folder;
     const ViewerRun run = runMany(folder, {"--count", "10", "--size", "16x16", "--frames", "4"});
     ASSERT_EQ(run.exitCode, 0) << run.error;
-    EXPECT_THAT(run.out, HasSubstr("10 cubes, 1 draws, renderer GL"));
+    EXPECT_THAT(run.out, HasSubstr("renderer GL (cubes: 10, draws: 1)"));
     EXPECT_THAT(run.out, HasSubstr("of 3 frames, first frame "));
 }
 

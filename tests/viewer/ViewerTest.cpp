@@ -126,7 +126,7 @@ TEST(ViewerDeviceTest, CountsTrianglesMeshesAndDraws)
     const ScratchFolder folder;
     const ViewerRun run = runViewer(folder, {testModel(boxModel), "--size", "16x16", "--frames", "4"});
     ASSERT_EQ(run.exitCode, 0) << run.error;
-    EXPECT_THAT(run.out, HasSubstr("12 triangles, 1 meshes, 1 draws"));
+    EXPECT_THAT(run.out, HasSubstr("(triangles: 12, meshes: 1, draws: 1)"));
     EXPECT_THAT(run.out, HasSubstr("of 3 frames"));
     EXPECT_TRUE(std::filesystem::exists(folder / "out.png"));
 }
