@@ -131,8 +131,10 @@ viewer::Model makeCubeField(unsigned count)
     model.meshes.reserve(count);
     for (unsigned i = 0; i < count; ++i)
     {
-        const float x = (static_cast<float>(i % side) + 0.5f) * spacing - 0.5f * c_fieldSize;
-        const float z = (static_cast<float>(i / side) + 0.5f) * spacing - 0.5f * c_fieldSize;
+        const unsigned column = i % side;
+        const unsigned row = i / side;
+        const float x = (static_cast<float>(column) + 0.5f) * spacing - 0.5f * c_fieldSize;
+        const float z = (static_cast<float>(row) + 0.5f) * spacing - 0.5f * c_fieldSize;
         const float height = heightAt(x, z);
         model.meshes.push_back(makeCube(i));
         model.materials.push_back(makeMaterial(i, height));

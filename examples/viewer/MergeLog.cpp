@@ -39,7 +39,7 @@ std::vector<std::string> MergeLog::takeLines()
 void MergeLog::take(const SbString& message)
 {
     static const std::string mark = "[info] Merging: ";
-    const std::string text = message.toStdString();
+    const std::string& text = message.toStdString();
     const std::size_t place = text.find(mark);
     if (place != std::string::npos)
     {

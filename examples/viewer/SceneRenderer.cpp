@@ -102,6 +102,7 @@ std::vector<std::size_t> transparentInstances(const Model& model, const SbVec3f&
     }
     std::stable_sort(places.begin(), places.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<std::size_t> order;
+    order.reserve(places.size());
     for (const auto& place : places)
         order.push_back(place.second);
     return order;

@@ -3,8 +3,17 @@
 
 #include "gl/TextureGL.h"
 
+#include <array>
+
 namespace renderengine
 {
+
+namespace
+{
+
+constexpr std::array<GLenum, 3> c_dimensions{GL_TEXTURE_WIDTH, GL_TEXTURE_HEIGHT, GL_TEXTURE_DEPTH};
+
+} // namespace
 
 using TextureReadbackGLTest = GLRecordingTest;
 
@@ -80,7 +89,7 @@ TEST_F(TextureReadbackGLTest, TheStoredSizeIsAskedForOnceAfterATextureShrank)
 TEST_F(TextureReadbackGLTest, AnImpossibleSizeThatGLRefusedTakesNoMemory)
 {
     TextureGL texture(textureOf(Plane, 0x80000000u, 0x80000000u));
-    for (const GLenum dimension : {GL_TEXTURE_WIDTH, GL_TEXTURE_HEIGHT, GL_TEXTURE_DEPTH})
+    for (const GLenum dimension : c_dimensions)
     {
         gl.answer(dimension, 0);
     }
@@ -104,7 +113,7 @@ TEST_F(TextureReadbackGLTest, ASizeThatGLRefusedDoesNotOutgrowTheNextBlock)
 TEST_F(TextureReadbackGLTest, ReadbackOfASizeThatNoMemoryHoldsIsSkipped)
 {
     TextureGL texture(textureOf(Volume, 0x80000000u, 0x80000000u, 0x80000000u));
-    for (const GLenum dimension : {GL_TEXTURE_WIDTH, GL_TEXTURE_HEIGHT, GL_TEXTURE_DEPTH})
+    for (const GLenum dimension : c_dimensions)
     {
         gl.answer(dimension, 0x7FFFFFFF);
     }
