@@ -144,6 +144,8 @@ VertexBufferHandle EngineScene::makeAttribute(const char* name, const std::vecto
     m_changing = properties.buffer;
     const VertexBufferHandle handle = renderer->generateVertexBufferHandle();
     run<CommandCreateVertexBuffer>(handle, properties);
+    m_changingView = handle;
+    m_changingRecord = properties;
     return handle;
 }
 
@@ -211,6 +213,11 @@ void EngineScene::changeOne()
     properties.size = m_cubes.normals().size() * sizeof(float);
     properties.data = m_cubes.normals().data();
     run<CommandUpdateBuffer>(m_changing, properties);
+}
+
+void EngineScene::changeOneView()
+{
+    run<CommandUpdateVertexBuffer>(m_changingView, m_changingRecord);
 }
 
 void EngineScene::drawFrame()

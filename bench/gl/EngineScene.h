@@ -36,6 +36,8 @@ public:
 
     /// Gives one cube other vertices.
     void changeOne();
+    /// Updates one vertex buffer, not the data below it, so that unmerged draws read their views again.
+    void changeOneView();
 
     /// The picture of the last frame, 4 bytes a pixel. Needs a device.
     std::vector<uint8_t> readPicture();
@@ -55,6 +57,8 @@ private:
     renderengine::Scene m_scene;
     renderengine::TextureHandle m_color;
     renderengine::BufferHandle m_changing;
+    renderengine::VertexBufferHandle m_changingView;
+    renderengine::VertexBufferProperties m_changingRecord;
     std::vector<renderengine::DrawPropertiesHandle> m_members;
     std::vector<renderengine::DrawHandle> m_draws;
     std::shared_ptr<renderengine::RenderCache> m_frame;

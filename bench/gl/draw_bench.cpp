@@ -85,6 +85,19 @@ void unmergedEngine(benchmark::State& state)
     state.counters["calls"] = s_calls;
 }
 
+/// The same when a view was changed before every frame.
+void regatheredEngine(benchmark::State& state)
+{
+    const NullGL gl;
+    EngineScene& scene = drawnScene(RendererKind::GL46, state.range(0), false);
+    for (auto _ : state)
+    {
+        scene.changeOneView();
+        scene.drawFrame();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
 void unmergedFloor(benchmark::State& state)
 {
     const NullGL gl;
@@ -134,6 +147,8 @@ template <bool Merging> void allocationsOfFrame(benchmark::State& state)
 
 BENCHMARK(unmergedEngine)->Name("BM_UnmergedDraws/engine")->Arg(10000);
 BENCHMARK(unmergedFloor)->Name("BM_UnmergedDraws/floor")->Arg(10000);
+BENCHMARK(regatheredEngine)->Name("BM_UnmergedDrawsOfChangedView/engine")->Arg(10000);
+BENCHMARK(unmergedFloor)->Name("BM_UnmergedDrawsOfChangedView/floor")->Arg(10000);
 BENCHMARK_TEMPLATE(mergedEngine, RendererKind::GL41)
     ->Name("BM_MergedSteadyFrame/engine")
     ->RangeMultiplier(10)

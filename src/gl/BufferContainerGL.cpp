@@ -5,6 +5,8 @@
 namespace renderengine
 {
 
+std::atomic<uint64_t> BufferContainerGL::s_changeStamp{1};
+
 BufferContainerGL::~BufferContainerGL()
 {
     setBuffer(nullptr);
@@ -17,6 +19,7 @@ void BufferContainerGL::destroy()
 
 void BufferContainerGL::setBuffer(BufferGL* newBuffer)
 {
+    countChange();
     if (buffer)
     {
         buffer->removeContainer(this);

@@ -42,6 +42,7 @@ void BufferGL::create(const BufferProperties& properties)
     {
         container->bufferName = name;
     }
+    BufferContainerGL::countChange();
     writeData(properties);
 }
 
@@ -127,6 +128,7 @@ void BufferGL::detachContainers()
         container->buffer = nullptr;
         container->bufferName = 0;
     }
+    BufferContainerGL::countChange();
     containers.clear();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 namespace renderengine
 {
@@ -19,6 +20,16 @@ template <class Object> void prefetchObject(const Object* object)
     for (size_t offset = 0; offset < sizeof(Object); offset += cacheLineSize)
     {
         prefetch(reinterpret_cast<const std::byte*>(object) + offset);
+    }
+}
+
+/// Asks for the elements of a vector.
+template <class Value> void prefetchElements(const std::vector<Value>& values)
+{
+    const size_t size = values.size() * sizeof(Value);
+    for (size_t offset = 0; offset < size; offset += cacheLineSize)
+    {
+        prefetch(reinterpret_cast<const std::byte*>(values.data()) + offset);
     }
 }
 

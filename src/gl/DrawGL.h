@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gl/Batch.h"
+#include "gl/PlainDraw.h"
 #include "gl/StateGL.h"
 
 #include <renderengine/GfxStateProperties.h>
@@ -43,14 +44,16 @@ public:
     void setState(const std::shared_ptr<const GfxStateProperties>& newGfxState,
                   std::shared_ptr<const ShaderStateCoreProperties> newShaderState, GfxStateSharing& sharing);
 
-    /// Slot 0: transform buffers, slot 1: material buffers. Used by `RendererGL46` only.
-    std::array<ShaderBufferIndices, 2> shaderBufferIndices;
-
-    /// In draw order. By pointer, since the dependency graph links batches by address.
-    std::vector<std::unique_ptr<Batch>> batches;
+    // What every frame reads stands first and close together.
 
     /// The batches exist and hold what `drawProperties` holds. A batch may still be dirty by itself.
     bool batchesValid = false;
+
+    /// There is one batch, which is drawn range by range. Nothing makes such a batch dirty.
+    bool isPlain = false;
+
+    /// The scale of points and lines: that of the client's record until a viewport gives another.
+    float sizeScale = 1.0f;
 
     /// In the order in which they were added.
     std::vector<DrawPropertiesHandle> drawProperties;
@@ -64,13 +67,14 @@ public:
     /// `sizeScale` into it before it is used.
     std::shared_ptr<GfxStateProperties> gfxState;
 
-    /// What a draw of the one unmerged batch reads, as addresses for the processor's cache: a renderer asks for them
-    /// while the draw before this one runs. They are never read through and may be those of objects that are gone.
-    std::array<const void*, 28> cacheHints{};
-    size_t cacheHintCount = 0;
+    /// What the batch sends when `isPlain` is set.
+    PlainDraw plainDraw;
 
-    /// The scale of points and lines: that of the client's record until a viewport gives another.
-    float sizeScale = 1.0f;
+    /// In draw order. By pointer, since the dependency graph links batches by address.
+    std::vector<std::unique_ptr<Batch>> batches;
+
+    /// Slot 0: transform buffers, slot 1: material buffers. Used by `RendererGL46` only.
+    std::array<ShaderBufferIndices, 2> shaderBufferIndices;
 };
 
 } // namespace renderengine

@@ -271,13 +271,12 @@ private:
     void applyDrawStateInFull(const DrawGL& draw);
     void applyDrawStateDifferences(const DrawGL& draw);
     bool updateBatches(const DrawHandle& handle, DrawGL& draw);
-    void collectCacheHints(DrawGL& draw) const;
-    void drawBatch(const Batch& batch, bool mergeable, const ShaderProgramGL& program, GLuint firstBinding);
+    void drawBatches(const DrawGL& draw, const ShaderProgramGL& program, GLuint firstBinding);
     void drawMerged(const Batch& batch);
-    void drawRanges(const Batch& batch);
-    void drawRange(const DrawRange& range, const IndexBufferGL& indexBuffer, const Batch& batch);
+    void drawPlain(DrawGL& draw, const ShaderProgramGL& program, GLuint firstBinding);
+    void gatherPlainDraw(PlainDraw& plainDraw, const Batch& batch, const ShaderProgramGL& program) const;
+    void drawRange(const PlainDraw::Range& range, const std::vector<VertexAttribute>& attributes);
     void applyOverallAttributes(const Batch& batch, const ShaderProgramGL& program);
-    void moveInstancedAttributes(const Batch& batch, uint32_t baseInstance);
 
     // Clear
     struct ClearMasks;

@@ -22,36 +22,38 @@ const void* byteOffset(uint64_t offset)
     return reinterpret_cast<const void*>(static_cast<uintptr_t>(offset));
 }
 
-/// Takes addresses as long as there is room.
-class HintList
+PlainDraw::Range makePlainRange(const DrawRange& range, GLenum mode, const IndexBufferGL& indexBuffer)
 {
-public:
-    explicit HintList(DrawGL& draw) : m_draw(draw) { m_draw.cacheHintCount = 0; }
-
-    /// The bytes from `begin` to `end` of what lies at the address.
-    void add(const void* address, size_t begin, size_t end)
-    {
-        for (size_t offset = begin; offset < end && m_draw.cacheHintCount < m_draw.cacheHints.size();
-             offset += cacheLineSize)
-        {
-            m_draw.cacheHints[m_draw.cacheHintCount] = static_cast<const std::byte*>(address) + offset;
-            ++m_draw.cacheHintCount;
-        }
-    }
-    template <class Value> void add(const std::vector<Value>& values)
-    {
-        add(values.data(), 0, values.size() * sizeof(Value));
-    }
-
-private:
-    DrawGL& m_draw;
-};
+    PlainDraw::Range result;
+    result.mode = mode;
+    result.indexBuffer = indexBuffer.getBufferName();
+    result.indexType = indexBuffer.getType();
+    result.count = range.count;
+    result.instanceCount = range.instanceCount;
+    result.baseInstance = range.baseInstance;
+    result.primitiveRestartValue = range.primitiveRestartValue;
+    result.primitiveRestart = range.primitiveRestart;
+    result.indexOffset = range.indexOffset;
+    return result;
+}
 
 bool hasBaseInstance()
 {
     const GLEWContextStruct& table = *glbinding::t_table;
     return table.majorVersion > 4 || (table.majorVersion == 4 && table.minorVersion >= 2) ||
            table.kvr_common__GLEW_ARB_base_instance;
+}
+
+/// Stands in for the base instance where GL has none: attributes that advance by instance start later in their buffer.
+void moveInstancedAttributes(const std::vector<VertexAttribute>& attributes, uint32_t baseInstance)
+{
+    for (const VertexAttribute& attribute : attributes)
+    {
+        if (attribute.location >= 0 && attribute.divisor != 0)
+        {
+            attribute.moveTo(baseInstance);
+        }
+    }
 }
 
 } // namespace
@@ -65,11 +67,11 @@ void RendererGL41::execute(CommandRender& command)
     }
     RENDERENGINE_DEBUG_GROUP(GL_DEBUG_SOURCE_THIRD_PARTY, "renderengine::RendererGL41::execute CommandRender");
     // Thousands of draws do not fit into the processor's caches. Most are drawn in the order in which they were made,
-    // so the next one is fetched while GL is busy with this one; a wrong guess costs nothing.
+    // so the next ones are fetched while GL is busy with this one; a wrong guess costs nothing.
     const DrawGL* next = find(m_tables.draws, DrawHandle(command.handle.id + 1));
-    if (next != nullptr)
+    if (const DrawGL* afterNext = find(m_tables.draws, DrawHandle(command.handle.id + 2)))
     {
-        prefetchObject(next);
+        prefetchObject(afterNext);
     }
     const ShaderStateCoreProperties& shaderState = *draw->shaderState;
     copyViewportScale(shaderState.viewport, draw->sizeScale);
@@ -88,15 +90,19 @@ void RendererGL41::execute(CommandRender& command)
         const RasterizerProperties& rasterizer = draw->gfxState->rasterizer;
         glUniform1f(program->getPointSizeLocation(), rasterizer.pointSize * rasterizer.sizeScale);
         applyShaderParameters(shaderState, *program);
-        const bool mergeable = updateBatches(command.handle, *draw);
-        for (const std::unique_ptr<Batch>& batch : draw->batches)
+        const bool isPlain = updateBatches(command.handle, *draw);
+        if (next != nullptr)
         {
-            drawBatch(*batch, mergeable, *program, firstBinding);
+            next->plainDraw.prefetch();
         }
-    }
-    if (next != nullptr)
-    {
-        std::for_each_n(next->cacheHints.begin(), next->cacheHintCount, prefetch);
+        if (isPlain)
+        {
+            drawPlain(*draw, *program, firstBinding);
+        }
+        else
+        {
+            drawBatches(*draw, *program, firstBinding);
+        }
     }
     if (m_stateUnknown || !m_differentialState)
     {
@@ -146,47 +152,13 @@ void RendererGL41::applyDrawStateDifferences(const DrawGL& draw)
     setupShaderState(shaderState, true);
 }
 
-/// Lists what drawing the one batch of an unmerged draw reads.
-void RendererGL41::collectCacheHints(DrawGL& draw) const
-{
-    HintList hints(draw);
-    const Batch& batch = *draw.batches.front();
-    hints.add(&batch, 0, sizeof(batch));
-    hints.add(batch.vertexBuffers);
-    hints.add(batch.indexBuffers);
-    if (!batch.firstMember)
-    {
-        return;
-    }
-    hints.add(batch.firstMember.get(), 0, sizeof(DrawProperties));
-    hints.add(batch.firstMember->shaderBuffers);
-    hints.add(batch.firstMember->ranges);
-    // Of views, a draw reads what stands behind the part that they share with all resources.
-    constexpr size_t begin = sizeof(BaseResourceGL) - sizeof(GLuint);
-    const auto addView = [&hints](const auto* view)
-    {
-        if (view != nullptr)
-        {
-            hints.add(view, begin, begin + cacheLineSize);
-        }
-    };
-    for (const ShaderBufferHandle& handle : batch.firstMember->shaderBuffers)
-    {
-        addView(find(m_tables.shaderBuffers, handle));
-    }
-    for (const VertexBufferHandle& handle : batch.vertexBuffers)
-    {
-        addView(find(m_tables.vertexBuffers, handle));
-    }
-    for (const IndexBufferHandle& handle : batch.indexBuffers)
-    {
-        addView(find(m_tables.indexBuffers, handle));
-    }
-}
-
-/// Brings the batches up to date and returns whether they are drawn merged.
+/// Brings the batches up to date and returns whether there is a plain one.
 bool RendererGL41::updateBatches(const DrawHandle& handle, DrawGL& draw)
 {
+    if (draw.batchesValid && draw.isPlain)
+    {
+        return true;
+    }
     const bool needRebuild = !isBatchListValid(draw);
     if (needRebuild)
     {
@@ -196,11 +168,9 @@ bool RendererGL41::updateBatches(const DrawHandle& handle, DrawGL& draw)
     if (!mergeable && (needRebuild || draw.batches.empty()))
     {
         buildPlainBatch(draw);
-        collectCacheHints(draw);
     }
     if (mergeable && needRebuild)
     {
-        draw.cacheHintCount = 0;
         prepareMergeMaps(draw);
         buildBatches(draw);
         for (const std::unique_ptr<Batch>& batch : draw.batches)
@@ -218,36 +188,104 @@ bool RendererGL41::updateBatches(const DrawHandle& handle, DrawGL& draw)
         explainMerging(handle, draw, mergeable);
     }
     draw.batchesValid = true;
-    return mergeable;
+    return draw.isPlain;
 }
 
-void RendererGL41::drawBatch(const Batch& batch, bool mergeable, const ShaderProgramGL& program, GLuint firstBinding)
+void RendererGL41::drawBatches(const DrawGL& draw, const ShaderProgramGL& program, GLuint firstBinding)
 {
-    bindDrawShaderBuffers(batch, program, firstBinding);
-    glUniform1i(program.getUseMergedShaderBuffersLocation(), batch.hasMergedShaderBuffers() ? 1 : 0);
-    if (batch.drawProperties.size() == 1)
+    for (const std::unique_ptr<Batch>& batch : draw.batches)
     {
-        applyOverallAttributes(batch, program);
+        bindDrawShaderBuffers(*batch, program, firstBinding);
+        glUniform1i(program.getUseMergedShaderBuffersLocation(), batch->hasMergedShaderBuffers() ? 1 : 0);
+        if (batch->drawProperties.size() == 1)
+        {
+            applyOverallAttributes(*batch, program);
+        }
+        m_attributeLocations.clear();
+        for (const VertexBufferHandle& handle : batch->vertexBuffers)
+        {
+            const VertexBufferGL* vertexBuffer = find(m_tables.vertexBuffers, handle);
+            m_attributeLocations.push_back(vertexBuffer != nullptr ? vertexBuffer->bind(&program) : -1);
+        }
+        drawMerged(*batch);
+        for (const GLint location : m_attributeLocations)
+        {
+            if (location >= 0)
+            {
+                glDisableVertexAttribArray(static_cast<GLuint>(location));
+            }
+        }
     }
-    m_attributeLocations.clear();
+}
+
+void RendererGL41::drawPlain(DrawGL& draw, const ShaderProgramGL& program, GLuint firstBinding)
+{
+    PlainDraw& plainDraw = draw.plainDraw;
+    if (!plainDraw.isCurrent(program))
+    {
+        plainDraw.restart(program);
+        gatherPlainDraw(plainDraw, *draw.batches.front(), program);
+    }
+    GLuint binding = firstBinding;
+    for (const PlainDraw::Block& block : plainDraw.blocks)
+    {
+        glBindBufferBase(block.target, binding, block.buffer);
+        program.bindBlock(block.target, block.index, binding);
+        ++binding;
+    }
+    glUniform1i(program.getUseMergedShaderBuffersLocation(), 0);
+    if (plainDraw.hasOverallAttributes)
+    {
+        applyOverallAttributes(*draw.batches.front(), program);
+    }
+    for (const VertexAttribute& attribute : plainDraw.attributes)
+    {
+        attribute.bind();
+    }
+    for (const PlainDraw::Range& range : plainDraw.ranges)
+    {
+        drawRange(range, plainDraw.attributes);
+    }
+    for (const VertexAttribute& attribute : plainDraw.attributes)
+    {
+        attribute.unbind();
+    }
+}
+
+/// Views without a buffer and ranges that cannot be drawn are left out.
+void RendererGL41::gatherPlainDraw(PlainDraw& plainDraw, const Batch& batch, const ShaderProgramGL& program) const
+{
+    plainDraw.hasOverallAttributes = batch.firstMember && !batch.firstMember->overallAttributes.empty();
+    if (!batch.firstMember)
+    {
+        return;
+    }
+    const std::vector<DrawRange>& ranges = batch.firstMember->ranges;
+    plainDraw.blocks.reserve(batch.firstMember->shaderBuffers.size());
+    plainDraw.attributes.reserve(batch.vertexBuffers.size());
+    plainDraw.ranges.reserve(ranges.size());
+    for (const ShaderBufferHandle& handle : batch.firstMember->shaderBuffers)
+    {
+        if (const ShaderBufferGL* buffer = find(m_tables.shaderBuffers, handle))
+        {
+            plainDraw.blocks.push_back({buffer->getTarget(), buffer->getBufferName(), buffer->findBlock(program)});
+        }
+    }
     for (const VertexBufferHandle& handle : batch.vertexBuffers)
     {
         const VertexBufferGL* vertexBuffer = find(m_tables.vertexBuffers, handle);
-        m_attributeLocations.push_back(vertexBuffer != nullptr ? vertexBuffer->bind(&program) : -1);
-    }
-    if (mergeable)
-    {
-        drawMerged(batch);
-    }
-    else
-    {
-        drawRanges(batch);
-    }
-    for (const GLint location : m_attributeLocations)
-    {
-        if (location >= 0)
+        if (vertexBuffer != nullptr && vertexBuffer->getBuffer() != nullptr)
         {
-            glDisableVertexAttribArray(static_cast<GLuint>(location));
+            plainDraw.attributes.push_back(vertexBuffer->getAttribute(program));
+        }
+    }
+    for (size_t i = 0; i < std::min(ranges.size(), batch.indexBuffers.size()); ++i)
+    {
+        const IndexBufferGL* indexBuffer = find(m_tables.indexBuffers, batch.indexBuffers[i]);
+        const GLenum* mode = gltables::primitiveModes.find(ranges[i].primitive);
+        if (indexBuffer != nullptr && indexBuffer->getBuffer() != nullptr && mode != nullptr)
+        {
+            plainDraw.ranges.push_back(makePlainRange(ranges[i], *mode, *indexBuffer));
         }
     }
 }
@@ -306,72 +344,29 @@ void RendererGL41::drawMerged(const Batch& batch)
     }
 }
 
-void RendererGL41::drawRanges(const Batch& batch)
+void RendererGL41::drawRange(const PlainDraw::Range& range, const std::vector<VertexAttribute>& attributes)
 {
-    if (!batch.firstMember)
-    {
-        return;
-    }
-    const std::vector<DrawRange>& ranges = batch.firstMember->ranges;
-    const size_t rangeCount = std::min(ranges.size(), batch.indexBuffers.size());
-    for (size_t i = 0; i < rangeCount; ++i)
-    {
-        const IndexBufferGL* indexBuffer = find(m_tables.indexBuffers, batch.indexBuffers[i]);
-        if (indexBuffer != nullptr && indexBuffer->getBuffer() != nullptr)
-        {
-            drawRange(ranges[i], *indexBuffer, batch);
-        }
-    }
-}
-
-void RendererGL41::drawRange(const DrawRange& range, const IndexBufferGL& indexBuffer, const Batch& batch)
-{
-    const GLenum* mode = gltables::primitiveModes.find(range.primitive);
-    if (mode == nullptr)
-    {
-        return;
-    }
     setPrimitiveRestart(range.primitiveRestart, range.primitiveRestartValue);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer.getBufferName());
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, range.indexBuffer);
     const void* indices = byteOffset(range.indexOffset);
     if (hasBaseInstance())
     {
-        glDrawElementsInstancedBaseInstance(*mode, range.count, indexBuffer.getType(), indices, range.instanceCount,
+        glDrawElementsInstancedBaseInstance(range.mode, range.count, range.indexType, indices, range.instanceCount,
                                             range.baseInstance);
     }
     else
     {
         if (range.baseInstance != 0)
         {
-            moveInstancedAttributes(batch, range.baseInstance);
+            moveInstancedAttributes(attributes, range.baseInstance);
         }
-        glDrawElementsInstanced(*mode, range.count, indexBuffer.getType(), indices, range.instanceCount);
+        glDrawElementsInstanced(range.mode, range.count, range.indexType, indices, range.instanceCount);
         if (range.baseInstance != 0)
         {
-            moveInstancedAttributes(batch, 0);
+            moveInstancedAttributes(attributes, 0);
         }
     }
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-}
-
-/// Stands in for the base instance where GL has none: attributes that advance by instance start later in their buffer.
-void RendererGL41::moveInstancedAttributes(const Batch& batch, uint32_t baseInstance)
-{
-    for (size_t i = 0; i < m_attributeLocations.size(); ++i)
-    {
-        const VertexBufferGL* vertexBuffer = find(m_tables.vertexBuffers, batch.vertexBuffers[i]);
-        if (vertexBuffer == nullptr || m_attributeLocations[i] < 0 || vertexBuffer->getDivisor() == 0)
-        {
-            continue;
-        }
-        const VertexBufferProperties& properties = vertexBuffer->getProperties();
-        const uint64_t stride =
-            properties.stride != 0 ? properties.stride : properties.componentCount * properties.dataType.getSize();
-        glBindBuffer(GL_ARRAY_BUFFER, vertexBuffer->getBufferName());
-        glVertexAttribPointer(static_cast<GLuint>(m_attributeLocations[i]), vertexBuffer->getComponentCount(),
-                              vertexBuffer->getType(), vertexBuffer->getNormalized(), vertexBuffer->getStride(),
-                              byteOffset(vertexBuffer->getOffset() + baseInstance * stride));
-    }
 }
 
 } // namespace renderengine

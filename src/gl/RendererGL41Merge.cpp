@@ -128,6 +128,7 @@ void RendererGL41::releaseBatches(DrawGL& draw)
         }
     }
     draw.batches.clear();
+    draw.isPlain = false;
 }
 
 void RendererGL41::releaseBatch(Batch& batch)
@@ -180,6 +181,8 @@ void RendererGL41::mergeShaderBuffers(Batch& /*batch*/, bool /*needRebuild*/) {}
 void RendererGL41::buildPlainBatch(DrawGL& draw)
 {
     draw.batches.clear();
+    draw.isPlain = true;
+    draw.plainDraw.invalidate();
     appendWholeDraw(draw);
     Batch& batch = *draw.batches.back();
     holdFirstMember(batch);

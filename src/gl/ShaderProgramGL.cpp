@@ -242,12 +242,16 @@ GLuint ShaderProgramGL::getBlockIndex(GLenum target, const std::string& name) co
 
 void ShaderProgramGL::bindBlock(const ShaderBufferGL& buffer, GLuint bindingPoint) const
 {
-    const GLuint index = buffer.findBlock(*this);
+    bindBlock(buffer.getTarget(), buffer.findBlock(*this), bindingPoint);
+}
+
+void ShaderProgramGL::bindBlock(GLenum target, GLuint index, GLuint bindingPoint) const
+{
     if (index == GL_INVALID_INDEX)
     {
         return;
     }
-    if (buffer.getTarget() == GL_UNIFORM_BUFFER)
+    if (target == GL_UNIFORM_BUFFER)
     {
         glUniformBlockBinding(id, index, bindingPoint);
     }

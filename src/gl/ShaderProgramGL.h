@@ -44,6 +44,8 @@ public:
     /// Connects the block of the buffer's name with a binding point, for the buffer's target. A block that the program
     /// lacks is skipped.
     void bindBlock(const ShaderBufferGL& buffer, GLuint bindingPoint) const;
+    /// Connects the block of a target and an index, as getBlockIndex() gave it, with a binding point.
+    void bindBlock(GLenum target, GLuint index, GLuint bindingPoint) const;
     /// Writes the info log, with its closing zero, into text. An empty log leaves text as it was.
     void getInfoLog(std::string& text) const;
     /// Deletes the program.

@@ -51,22 +51,29 @@ GLint VertexBufferGL::bind(const ShaderProgramGL* program) const
     {
         return -1;
     }
-    glBindBuffer(GL_ARRAY_BUFFER, getBufferName());
     if (!program)
     {
+        glBindBuffer(GL_ARRAY_BUFFER, getBufferName());
         return -1;
     }
-    const GLint location = findLocation(*program);
-    if (location < 0)
-    {
-        return location;
-    }
-    const auto index = static_cast<GLuint>(location);
-    glEnableVertexAttribArray(index);
-    glVertexAttribPointer(index, componentCount, type, normalized, stride,
-                          reinterpret_cast<const void*>(static_cast<uintptr_t>(offset)));
-    glVertexAttribDivisor(index, divisor);
-    return location;
+    const VertexAttribute attribute = getAttribute(*program);
+    attribute.bind();
+    return attribute.location;
+}
+
+VertexAttribute VertexBufferGL::getAttribute(const ShaderProgramGL& program) const
+{
+    VertexAttribute attribute;
+    attribute.buffer = getBufferName();
+    attribute.location = findLocation(program);
+    attribute.componentCount = componentCount;
+    attribute.type = type;
+    attribute.stride = stride;
+    attribute.elementSize = properties.componentCount * properties.dataType.getSize();
+    attribute.divisor = divisor;
+    attribute.normalized = normalized;
+    attribute.offset = offset;
+    return attribute;
 }
 
 void VertexBufferGL::unbind(const ShaderProgramGL* program, GLint location) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gl/BufferContainerGL.h"
+#include "gl/VertexAttribute.h"
 
 #include <glbinding/gl.h>
 #include <renderengine/VertexBufferProperties.h>
@@ -25,6 +26,8 @@ public:
     /// it. Returns the attribute's location, or -1 when the program is null or lacks the attribute. Without a buffer
     /// there is no GL call and the result is -1.
     GLint bind(const ShaderProgramGL* program) const;
+    /// The attribute of the program that bind() binds, with location -1 when the program lacks it.
+    VertexAttribute getAttribute(const ShaderProgramGL& program) const;
     /// Disables the attribute. A negative location is looked up by name first. Does nothing with a null program.
     void unbind(const ShaderProgramGL* program, GLint location) const;
 

@@ -14,6 +14,7 @@ renderengine_add_test(gl_renderer_tests
     RendererGL46SequenceTest.cpp
     RendererGL46Test.cpp
     RendererMergeTest.cpp
+    RendererPlainDrawTest.cpp
     RendererResourceTest.cpp
     RendererSequenceTest.cpp
     RendererTaskTest.cpp
