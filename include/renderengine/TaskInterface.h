@@ -19,6 +19,8 @@ struct RENDERENGINE_API TaskInterface
 
     /// Runs on the thread that executes the commands, with the device context current, once for each execution of its
     /// command. It must not call an operation of the context that waits for that thread, such as execute or flush.
+    /// It leaves the pixel store (glPixelStore) and the binding of GL_PIXEL_PACK_BUFFER and GL_PIXEL_UNPACK_BUFFER as
+    /// it found them: textures are read and written with them.
     virtual void run() = 0;
 };
 

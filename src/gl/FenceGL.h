@@ -27,7 +27,7 @@ public:
     void wait();
     /// Deletes the sync. A sync that GL does not know stays in place.
     void release();
-    /// True between insert() and release().
+    /// True while there is a sync: not after a wait on the GPU, nor after an insert() that GL refused.
     bool holdsSync() const;
 
 private:

@@ -301,7 +301,8 @@ private:
     uint64_t getLargestElementCount(const DrawProperties& properties) const;
 
     void prefetchMembers(const std::vector<const DrawProperties*>& members, size_t current) const;
-    void mergeVertexBuffers(Batch& batch);
+    bool mergeVertexBuffers(Batch& batch);
+    void dependOnVertexBuffers(Batch& batch, const std::vector<const DrawProperties*>& members);
     void mergeVertexBuffer(Batch& batch, const std::vector<const DrawProperties*>& members, size_t position,
                            const std::vector<uint64_t>& offsetElements, uint64_t elementCount);
     void appendDrawIndices(Batch& batch, const std::vector<uint64_t>& offsetElements, uint64_t elementCount);
@@ -321,7 +322,7 @@ private:
     void copyIndices(const DrawProperties& member, const PrimitiveUse& use, IndexBufferGL& merged, MergedDraw& draw,
                      uint64_t& writeOffset, uint64_t vertexOffset);
     IndexBufferHandle getSequenceIndexBuffer(uint32_t elementCount);
-    void fillSequence(BufferGL& buffer) const;
+    void fillSequence(BufferGL& buffer);
 
     // Resources
     template <class Handle, class Resource> static Handle createHandle(ResourceTable<Handle, Resource>& table);

@@ -16,7 +16,7 @@ namespace renderengine
 {
 
 /// Equality that is fast for records that are copies of each other, down to their padding, as those of neighbouring
-/// draws mostly are.
+/// draws mostly are. A copy is equal to its original even when it holds NaN.
 template <class Record> bool isSameRecord(const Record& a, const Record& b)
 {
     static_assert(std::is_trivially_copyable_v<Record>, "bytes stand for the record");

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 #include <numeric>
 
 namespace renderengine
@@ -21,6 +22,14 @@ namespace
 constexpr uint32_t drawIndexSlot = 13;
 constexpr uint32_t mapForWriting = 1;
 constexpr size_t knownPrimitiveTypes = 11;
+
+/// Base vertices are signed.
+constexpr uint64_t largestElementCount = std::numeric_limits<GLint>::max();
+
+uint64_t saturatingSum(uint64_t a, uint64_t b)
+{
+    return a > std::numeric_limits<uint64_t>::max() - b ? std::numeric_limits<uint64_t>::max() : a + b;
+}
 
 uint32_t elementSize(const VertexBufferProperties& properties)
 {
@@ -211,7 +220,11 @@ void RendererGL41::buildMergedBatch(Batch& batch)
     batch.merged = batch.drawProperties.size() > 1;
     if (batch.merged)
     {
-        mergeVertexBuffers(batch);
+        if (!mergeVertexBuffers(batch))
+        {
+            batch.built = true;
+            return;
+        }
         mergeOverallAttributes(batch);
     }
     else if (batch.firstMember)
@@ -299,13 +312,14 @@ void RendererGL41::prefetchMembers(const std::vector<const DrawProperties*>& mem
     }
 }
 
-void RendererGL41::mergeVertexBuffers(Batch& batch)
+/// False when the members have more vertices than a draw can address; the batch then has nothing to draw.
+bool RendererGL41::mergeVertexBuffers(Batch& batch)
 {
     batch.vertexBuffers.clear();
     const std::vector<const DrawProperties*> members = getMembers(batch);
     if (members.empty())
     {
-        return;
+        return true;
     }
     std::vector<uint64_t> offsetElements;
     offsetElements.reserve(members.size());
@@ -314,12 +328,36 @@ void RendererGL41::mergeVertexBuffers(Batch& batch)
         prefetchMembers(members, i);
         offsetElements.push_back(getLargestElementCount(*members[i]));
     }
-    const uint64_t elementCount = std::accumulate(offsetElements.begin(), offsetElements.end(), uint64_t{0});
+    const uint64_t elementCount =
+        std::accumulate(offsetElements.begin(), offsetElements.end(), uint64_t{0}, saturatingSum);
+    if (elementCount > largestElementCount)
+    {
+        spdlog::error("[RendererGL] A draw of {} geometries has {} vertices, which are too many to be merged.",
+                      members.size(), elementCount);
+        dependOnVertexBuffers(batch, members);
+        return false;
+    }
     for (size_t position = 0; position < members.front()->vertexBuffers.size(); ++position)
     {
         mergeVertexBuffer(batch, members, position, offsetElements, elementCount);
     }
     appendDrawIndices(batch, offsetElements, elementCount);
+    return true;
+}
+
+/// Lets a change of any of the members' vertex buffers lead to another try.
+void RendererGL41::dependOnVertexBuffers(Batch& batch, const std::vector<const DrawProperties*>& members)
+{
+    for (const DrawProperties* member : members)
+    {
+        for (const VertexBufferHandle& handle : member->vertexBuffers)
+        {
+            if (VertexBufferGL* vertexBuffer = find(m_tables.vertexBuffers, handle))
+            {
+                batch.addDependency(*vertexBuffer);
+            }
+        }
+    }
 }
 
 void RendererGL41::mergeVertexBuffer(Batch& batch, const std::vector<const DrawProperties*>& members, size_t position,

@@ -206,10 +206,14 @@ void RendererGL41::copyIndices(const DrawProperties& member, const PrimitiveUse&
             range.indexBuffer.isValid() ? range.indexBuffer : getSequenceIndexBuffer(clampToCount(total));
         IndexBufferGL* source = find(m_tables.indexBuffers, sourceHandle);
         const uint64_t size = indexCount(range) * use.indexSize;
-        if (source != nullptr && source->getBuffer() != nullptr && size > 0)
+        if (source != nullptr && source->getBuffer() != nullptr)
         {
             merged.addDependency(*source);
-            source->getBuffer()->copy(*merged.getBuffer(), range.indexOffset, writeOffset, size);
+            // To copy no bytes is to copy all.
+            if (size > 0)
+            {
+                source->getBuffer()->copy(*merged.getBuffer(), range.indexOffset, writeOffset, size);
+            }
         }
         writeOffset += size;
     }
@@ -237,21 +241,25 @@ IndexBufferHandle RendererGL41::getSequenceIndexBuffer(uint32_t elementCount)
     else if (elementCount > m_sequenceCount)
     {
         const uint64_t grown = uint64_t{m_sequenceCount} + m_sequenceCount / 2;
-        m_sequenceCount = std::max(elementCount, clampToCount(grown));
+        m_sequenceCount = std::max({elementCount, clampToCount(grown), minimumSequenceCount});
         buffer->resize(uint64_t{m_sequenceCount} * sizeof(uint32_t));
         fillSequence(*buffer);
     }
     return m_sequenceIndexBuffer;
 }
 
-void RendererGL41::fillSequence(BufferGL& buffer) const
+void RendererGL41::fillSequence(BufferGL& buffer)
 {
     buffer.map(0, buffer.getSize(), mapForWriting);
     if (auto* indices = static_cast<uint32_t*>(buffer.getMappedPointer()))
     {
         std::iota(indices, indices + m_sequenceCount, 0u);
         buffer.unmap();
+        return;
     }
+    // The store may be missing. Whoever asks next gets another try.
+    spdlog::error("[RendererGL] There is no buffer for the sequence of {} indices.", m_sequenceCount);
+    m_sequenceCount = 0;
 }
 
 } // namespace renderengine

@@ -12,9 +12,8 @@ namespace renderengine
 ///
 /// - Texture images are bound to image units.
 /// - The shader buffers at positions 1 and 2 of a draw's members, transforms and materials, are gathered into one
-/// merged
-///   buffer each, with an indirection per member, so that a merged batch shows each member with its own. Where uniform
-///   buffers hold them, a draw is split into batches that fit into one uniform block.
+///   merged buffer each, with an indirection per member, so that a merged batch shows each member with its own. Where
+///   uniform buffers hold them, a draw is split into batches that fit into one uniform block.
 class RendererGL46 : public RendererGL41
 {
 public:

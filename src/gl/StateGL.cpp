@@ -6,6 +6,7 @@
 #include <kavelor/SoPreferences.h>
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <utility>
 
@@ -57,8 +58,7 @@ void applySmoothingAndStipple(const RasterizerProperties& rasterizer)
 
 void applyPolygonOffset(const RasterizerProperties& rasterizer)
 {
-    // Exact comparisons without the float-equality operators' warning: neither above nor below zero.
-    const auto isZero = [](float value) { return !(value < 0.0f) && !(value > 0.0f); };
+    const auto isZero = [](float value) { return std::fpclassify(value) == FP_ZERO; };
     const bool none = isZero(rasterizer.polygonOffsetFactor) && isZero(rasterizer.polygonOffsetUnits);
     const unsigned enable = none ? 0u : rasterizer.polygonOffsetEnable;
     setEnabled(GL_POLYGON_OFFSET_FILL, (enable & 1u) != 0);

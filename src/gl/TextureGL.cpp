@@ -275,10 +275,10 @@ void TextureGL::generateMipmap()
 bool TextureGL::makeReadbackBlock()
 {
     // What GL refused to store anew keeps its former size, and GL writes as much as it stores. It is asked where it may
-    // have refused: after a larger size, and for blocks that are worth a question.
+    // have refused: after a larger size, and for blocks that are worth a question. Uploads store a size of 0 as 1.
     constexpr uint64_t largeBlock = 1u << 26;
     uint64_t pixelCount = getPixelCount();
-    if (largestPixelCount > pixelCount || getDataSize() > largeBlock)
+    if (pixelCount == 0 || largestPixelCount > pixelCount || getDataSize() > largeBlock)
     {
         const uint64_t storedPixelCount = getStoredPixelCount();
         largestPixelCount = std::max(pixelCount, storedPixelCount);

@@ -94,6 +94,7 @@ private:
     void storeMutable(const std::vector<const void*>& images, GLsizei levels) const;
     void storeCompressed(const std::vector<const void*>& images, const std::vector<uint32_t>& sizes,
                          GLsizei levels) const;
+    LevelSize storageSize() const;
     LevelSize levelSize(GLsizei level) const;
     bool hasImmutableStorage() const;
 

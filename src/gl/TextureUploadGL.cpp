@@ -43,6 +43,13 @@ bool TextureGL::hasImmutableStorage() const
     return isAtLeast(table, 4, 2) || table.kvr_common__GLEW_ARB_texture_storage;
 }
 
+/// What storage without data is asked for: the sizes as they are, 0 included.
+TextureGL::LevelSize TextureGL::storageSize() const
+{
+    return {static_cast<GLsizei>(width), static_cast<GLsizei>(height),
+            target == GL_TEXTURE_CUBE_MAP_ARRAY ? cubeLayers(depth) : static_cast<GLsizei>(depth)};
+}
+
 TextureGL::LevelSize TextureGL::levelSize(GLsizei level) const
 {
     LevelSize size{shrink(width, level), shrink(height, level), static_cast<GLsizei>(depth)};
@@ -117,7 +124,7 @@ void TextureGL::upload(const TextureProperties& properties) const
 
 void TextureGL::storeImmutable(const std::vector<const void*>& images, GLsizei levels) const
 {
-    const LevelSize size = levelSize(0);
+    const LevelSize size = images.empty() ? storageSize() : levelSize(0);
     switch (textureShape(target))
     {
     case TextureShape::Line:
@@ -189,7 +196,7 @@ void TextureGL::storeMutable(const std::vector<const void*>& images, GLsizei lev
 {
     const auto storedFormat = static_cast<GLint>(internalFormat);
     const TextureShape shape = textureShape(target);
-    const LevelSize full = levelSize(0);
+    const LevelSize full = images.empty() ? storageSize() : levelSize(0);
     if (shape == TextureShape::MultisamplePlane)
     {
         glTexImage2DMultisample(target, samples, internalFormat, full.width, full.height, GL_FALSE);
@@ -202,7 +209,7 @@ void TextureGL::storeMutable(const std::vector<const void*>& images, GLsizei lev
     }
     for (GLsizei level = 0; level < levels; ++level)
     {
-        const LevelSize size = levelSize(level);
+        const LevelSize size = images.empty() ? full : levelSize(level);
         switch (shape)
         {
         case TextureShape::Line:

@@ -145,12 +145,12 @@ TEST_F(RendererGL41DrawTest, ViewportScaleReachesLinesAndPoints)
     scene.gfxState.rasterizer.pointSize = 3.0f;
     updateState(scene);
     drawCalls(scene);
-    EXPECT_EQ(gl.calls(), Texts{});
     scene.shaderState.viewport = makeViewport(8, 6, 4.0f);
     updateState(scene);
     gl.clear();
     run<CommandRender>(scene.draw);
     EXPECT_EQ(gl.callsMatching("glPointSize("), Texts{"glPointSize(12)"});
+    EXPECT_EQ(gl.callsMatching("glLineWidth("), Texts{"glLineWidth(4)"});
     EXPECT_EQ(gl.callsMatching("glUniform1f("), Texts{"glUniform1f(0, 12)"});
 }
 
@@ -395,6 +395,39 @@ TEST_F(RendererGL41DrawTest, SequenceGrowsByHalfOrToWhatIsAskedFor)
     run<CommandUpdateDrawProperties>(scene.member, scene.properties);
     drawCalls(scene);
     EXPECT_EQ(gl.bufferContent(3).size(), 4000000u * 4);
+}
+
+TEST_F(RendererGL41DrawTest, SequenceSaturatesAtTheLargestCount)
+{
+    Scene scene = makeScene();
+    scene.properties.ranges[0].indexBuffer = IndexBufferHandle();
+    scene.properties.ranges[0].count = -1; // the low 32 bits are asked for
+    run<CommandUpdateDrawProperties>(scene.member, scene.properties);
+    gl.fail("glMapBufferRange");
+    drawCalls(scene);
+    log.take();
+    gl.succeed("glMapBufferRange");
+    scene.properties.ranges[0].count = 3;
+    run<CommandUpdateDrawProperties>(scene.member, scene.properties);
+    drawCalls(scene);
+    EXPECT_EQ(gl.bufferContent(3).size(), 1048576u * 4) << "what could not be made is not kept";
+}
+
+TEST_F(RendererGL41DrawTest, SequenceThatCouldNotBeFilledIsTriedAgain)
+{
+    Scene scene = makeScene();
+    scene.properties.ranges[0].indexBuffer = IndexBufferHandle();
+    run<CommandUpdateDrawProperties>(scene.member, scene.properties);
+    gl.fail("glMapBufferRange", 1);
+    drawCalls(scene);
+    EXPECT_EQ(log.take(), Texts{"error: [RendererGL] There is no buffer for the sequence of 1048576 indices."});
+    run<CommandUpdateDrawProperties>(scene.member, scene.properties);
+    drawCalls(scene);
+    const std::vector<std::byte> sequence = gl.bufferContent(3);
+    ASSERT_EQ(sequence.size(), 1048576u * 4);
+    uint32_t index = 0;
+    std::memcpy(&index, &sequence[1048575 * 4], 4);
+    EXPECT_EQ(index, 1048575u);
 }
 
 TEST_F(RendererGL41DrawTest, MissingBaseInstanceMovesInstancedAttributes)

@@ -312,6 +312,51 @@ TEST_F(RendererGL41MergeTest, RangesWithTwoIndexBuffersAreCopiedIntoOne)
               Texts{"glMultiDrawElementsBaseVertex(GL_TRIANGLES, {3, 3}, GL_UNSIGNED_INT, {null, 12}, 2, {0, 0})"});
 }
 
+TEST_F(RendererGL41MergeTest, ATypeThatNoRangeUsesMakesNoMultiDraw)
+{
+    Scene scene = makeScene();
+    run<CommandAddDrawProperties>(scene.draw, makeMember(scene.properties));
+    setRanges(scene, {range(scene.indexBuffer, 3, 0, 0), range(scene.indexBuffer, 3, 0, 10)});
+    drawCalls(scene);
+    gl.clear();
+    run<CommandRender>(scene.draw);
+    EXPECT_EQ(gl.callsMatching("glMultiDrawElementsBaseVertex"),
+              (Texts{"glMultiDrawElementsBaseVertex(GL_POINTS, {3}, GL_UNSIGNED_INT, {null}, 1, {0})",
+                     "glMultiDrawElementsBaseVertex(GL_TRIANGLES, {3}, GL_UNSIGNED_INT, {null}, 1, {3})",
+                     "glMultiDrawElementsBaseVertex(GL_POLYGON, {3}, GL_UNSIGNED_INT, {null}, 1, {0})"}));
+}
+
+TEST_F(RendererGL41MergeTest, InstanceCountsAreComparedUnsigned)
+{
+    Scene scene = makeScene();
+    std::vector<DrawRange> ranges = {range(scene.indexBuffer, 3), range(scene.indexBuffer, 3)};
+    ranges[1].instanceCount = -1;
+    setRanges(scene, ranges);
+    EXPECT_FALSE(drawsMerged(scene));
+    ranges[1].instanceCount = 0;
+    setRanges(scene, ranges);
+    EXPECT_TRUE(drawsMerged(scene));
+}
+
+TEST_F(RendererGL41MergeTest, VerticesBeyondEveryCountAreNotMergedUntilTheyAreFewer)
+{
+    Scene scene = makeScene();
+    const DrawPropertiesHandle second = makeMember(scene.properties);
+    run<CommandAddDrawProperties>(scene.draw, second);
+    ASSERT_TRUE(drawsMerged(scene));
+    run<CommandResizeBuffer>(BufferHandle(0), uint64_t{1} << 62);
+    log.take();
+    EXPECT_FALSE(drawsMerged(scene));
+    EXPECT_EQ(log.take(), Texts{"error: [RendererGL] A draw of 2 geometries has 768614336404564650 vertices, which are "
+                                "too many to be merged."});
+    EXPECT_FALSE(drawsMerged(scene));
+    EXPECT_EQ(log.take(), Texts{});
+    run<CommandResizeBuffer>(BufferHandle(0), uint64_t{36});
+    EXPECT_TRUE(drawsMerged(scene));
+    EXPECT_EQ(gl.callsMatching("glMultiDrawElementsBaseVertex"),
+              Texts{"glMultiDrawElementsBaseVertex(GL_TRIANGLES, {3, 3}, GL_UNSIGNED_INT, {null, 12}, 2, {0, 3})"});
+}
+
 TEST_F(RendererGL41MergeTest, RangesWithoutIndicesShareTheSequence)
 {
     Scene scene = makeScene();

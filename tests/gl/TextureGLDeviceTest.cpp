@@ -454,6 +454,10 @@ TEST_F(TextureGLDeviceTest, SizesAtAndBeyondTheLimitsLeaveAUsableTexture)
                 properties.depth = dimension == 2 ? size : 1;
                 TextureGL texture(properties);
                 texture.generateMipmap();
+                if (size == 0)
+                {
+                    texture.readback();
+                }
                 texture.resize(properties.depth, properties.width, properties.height);
                 texture.update(properties);
                 // A box beyond every size is refused before GL reads a byte of it.

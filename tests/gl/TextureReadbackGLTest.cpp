@@ -86,6 +86,30 @@ TEST_F(TextureReadbackGLTest, TheStoredSizeIsAskedForOnceAfterATextureShrank)
     texture.destroy();
 }
 
+TEST_F(TextureReadbackGLTest, AnUploadWithASizeOfZeroIsReadBackAsItIsStored)
+{
+    TextureProperties properties = textureOf(Plane, 1000, 0);
+    const std::vector<uint8_t> pixels(4000);
+    properties.data = {pixels.data()};
+    TextureGL texture(properties);
+    EXPECT_EQ(gl.callsMatching("glTexImage2D").size(), 1u);
+    gl.answer(GL_TEXTURE_WIDTH, 1000);
+    gl.answer(GL_TEXTURE_HEIGHT, 1);
+    gl.answer(GL_TEXTURE_DEPTH, 1);
+    texture.readback();
+    EXPECT_EQ(texture.getReadbackSize(), 4000u);
+    texture.destroy();
+}
+
+TEST_F(TextureReadbackGLTest, StorageWithoutDataTakesASizeOfZeroAsItIs)
+{
+    gl.clear();
+    TextureGL texture(textureOf(Plane, 1000, 0));
+    EXPECT_EQ(gl.callsMatching("glTexImage2D"),
+              Texts{"glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 1000, 0, 0, GL_RGBA, GL_UNSIGNED_BYTE, null)"});
+    texture.destroy();
+}
+
 TEST_F(TextureReadbackGLTest, AnImpossibleSizeThatGLRefusedTakesNoMemory)
 {
     TextureGL texture(textureOf(Plane, 0x80000000u, 0x80000000u));
