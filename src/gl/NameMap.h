@@ -11,6 +11,14 @@
 namespace renderengine
 {
 
+/// The bytes at an address as a number, of any alignment.
+template <class Word> Word loadWord(const char* bytes)
+{
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof(Word));
+    return word;
+}
+
 /// Hash of a name, eight bytes at a time. Programs have names that differ in one digit only, so every byte counts.
 inline uint64_t hashName(std::string_view name)
 {
@@ -22,19 +30,15 @@ inline uint64_t hashName(std::string_view name)
     size_t left = name.size();
     for (; left >= wordSize; left -= wordSize, bytes += wordSize)
     {
-        uint64_t word = 0;
-        std::memcpy(&word, bytes, wordSize);
-        hash = (hash ^ word) * factor;
+        hash = (hash ^ loadWord<uint64_t>(bytes)) * factor;
         hash ^= hash >> 32;
     }
     if (left >= sizeof(uint32_t))
     {
         // Two halves that overlap cost less than a copy of a length that is not known.
-        uint32_t first = 0;
-        uint32_t last = 0;
-        std::memcpy(&first, bytes, sizeof(first));
-        std::memcpy(&last, bytes + left - sizeof(last), sizeof(last));
-        hash = (hash ^ (uint64_t{first} << 32 | last)) * factor;
+        const uint64_t first = loadWord<uint32_t>(bytes);
+        const uint64_t last = loadWord<uint32_t>(bytes + left - sizeof(uint32_t));
+        hash = (hash ^ (first << 32 | last)) * factor;
     }
     else if (left != 0)
     {
@@ -42,6 +46,30 @@ inline uint64_t hashName(std::string_view name)
         hash = (hash ^ (byteAt(0) << 16 | byteAt(left / 2) << 8 | byteAt(left - 1))) * factor;
     }
     return hash ^ hash >> 32;
+}
+
+/// Equality of names, which are too short for a call of memcmp to pay off.
+inline bool isSameName(std::string_view a, std::string_view b)
+{
+    constexpr size_t wordSize = sizeof(uint64_t);
+    if (a.size() != b.size())
+    {
+        return false;
+    }
+    if (a.size() < wordSize)
+    {
+        return a == b;
+    }
+    // The last word overlaps the one before it.
+    const size_t last = a.size() - wordSize;
+    for (size_t i = 0; i < last; i += wordSize)
+    {
+        if (loadWord<uint64_t>(a.data() + i) != loadWord<uint64_t>(b.data() + i))
+        {
+            return false;
+        }
+    }
+    return loadWord<uint64_t>(a.data() + last) == loadWord<uint64_t>(b.data() + last);
 }
 
 /// A map from names to values for many look-ups and few changes. A look-up hashes the name once and allocates nothing;
@@ -63,7 +91,7 @@ public:
         for (size_t place = hash & mask; m_slots[place].entry != s_empty; place = (place + 1) & mask)
         {
             const Slot& slot = m_slots[place];
-            if (slot.tag == tagOf(hash) && m_entries[slot.entry].first == name)
+            if (slot.tag == tagOf(hash) && isSameName(m_entries[slot.entry].first, name))
             {
                 return &m_entries[slot.entry].second;
             }

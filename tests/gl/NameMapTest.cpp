@@ -11,6 +11,22 @@ namespace renderengine
 namespace
 {
 
+TEST(NameMapTest, NamesAreTheSameWhenEveryByteIs)
+{
+    for (std::size_t length = 0; length < 40; ++length)
+    {
+        const std::string name(length, 'x');
+        EXPECT_TRUE(isSameName(name, std::string(name)));
+        EXPECT_FALSE(isSameName(name, name + 'x'));
+        for (std::size_t i = 0; i < length; ++i)
+        {
+            std::string other = name;
+            other[i] = 'y';
+            EXPECT_FALSE(isSameName(name, other)) << other;
+        }
+    }
+}
+
 TEST(NameMapTest, AnEmptyMapFindsNothing)
 {
     const NameMap<int> names;
