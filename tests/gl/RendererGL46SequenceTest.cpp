@@ -163,6 +163,15 @@ TEST_F(RendererGL46SequenceTest, DrawIndicesRestartInTheSecondBatchAndOneSourceR
     run<CommandRender>(draw);
     EXPECT_EQ(gl.countOf("glDeleteBuffers("), 14u);
     EXPECT_EQ(gl.countOf("glGenBuffers("), 14u);
+
+    // Nor do the vertices of one geometry stay with its batch.
+    properties.size = 36;
+    properties.data = nullptr;
+    run<CommandUpdateBuffer>(BufferHandle(0), properties);
+    gl.clear();
+    run<CommandRender>(draw);
+    EXPECT_EQ(gl.countOf("glDeleteBuffers("), 14u);
+    EXPECT_EQ(gl.countOf("glGenBuffers("), 14u);
 }
 
 TEST_F(RendererGL46SequenceTest, LimitsOfTheFirstDrawStandForAllDraws)

@@ -326,6 +326,31 @@ TEST_F(RendererGL41MergeTest, ATypeThatNoRangeUsesMakesNoMultiDraw)
                      "glMultiDrawElementsBaseVertex(GL_POLYGON, {3}, GL_UNSIGNED_INT, {null}, 1, {0})"}));
 }
 
+TEST_F(RendererGL41MergeTest, RangesOfAnUnknownTypeAreSkippedInAMergedBatch)
+{
+    Scene scene = makeScene();
+    run<CommandAddDrawProperties>(scene.draw, makeMember(scene.properties));
+    setRanges(scene,
+              {range(scene.indexBuffer, 3, 0, 11), range(scene.indexBuffer, 2), range(scene.indexBuffer, 1, 0, 99)});
+    drawsMerged(scene);
+    EXPECT_EQ(gl.callsMatching("glMultiDraw"),
+              Texts{"glMultiDrawElementsBaseVertex(GL_TRIANGLES, {2, 3}, GL_UNSIGNED_INT, {null, 8}, 2, {0, 3})"});
+}
+
+TEST_F(RendererGL41MergeTest, LastRestartIndexOfATypeHoldsForAllMembers)
+{
+    Scene scene = makeScene();
+    DrawProperties second = scene.properties;
+    scene.properties.ranges[0].primitiveRestart = true;
+    scene.properties.ranges[0].primitiveRestartValue = 5;
+    run<CommandUpdateDrawProperties>(scene.member, scene.properties);
+    second.ranges[0].primitiveRestart = true;
+    second.ranges[0].primitiveRestartValue = 7;
+    run<CommandAddDrawProperties>(scene.draw, makeMember(second));
+    ASSERT_TRUE(drawsMerged(scene));
+    EXPECT_EQ(gl.callsMatching("glPrimitiveRestartIndex"), Texts{"glPrimitiveRestartIndex(7)"});
+}
+
 TEST_F(RendererGL41MergeTest, InstanceCountsAreComparedUnsigned)
 {
     Scene scene = makeScene();

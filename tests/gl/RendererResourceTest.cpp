@@ -274,6 +274,12 @@ TEST_F(RendererGL41ResourceTest, ShaderLogIsKeptAfterAFailureOnly)
     SoPreferences::setBool("KVR_GLSL_DEBUG", true);
     run<CommandCreateShaderObject>(reused, ShaderObjectProperties());
     EXPECT_NE(renderer->getShaderObjectLog(reused).find("syntax error"), std::string::npos);
+    gl.succeed("glLinkProgram");
+    EXPECT_NE(renderer->getShaderProgramLog(makeProgram()).find("syntax error"), std::string::npos);
+    gl.setInfoLog("");
+    run<CommandCreateShaderObject>(reused, ShaderObjectProperties());
+    EXPECT_EQ(renderer->getShaderObjectLog(reused), "") << "an empty log leaves the text as it was";
+    EXPECT_EQ(renderer->getShaderProgramLog(makeProgram()), "");
 }
 
 TEST_F(RendererGL41ResourceTest, ProgramLinksTheStagesThatExist)
