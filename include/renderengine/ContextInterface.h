@@ -53,7 +53,8 @@ struct ContextInfo;
 /// render thread, recorded work runs there, and operations that wait say so. Records are copied by the call. Handles
 /// own nothing: what was created is kept until it is destroyed or the context is deleted.
 ///
-/// All operations but isValid(), init() and getContextInfo() need init() to have succeeded, which debug builds assert.
+/// All operations but isValid(), init() and getContextInfo() need init() to have succeeded. Debug builds assert it
+/// where an operation reaches the renderer from the client's thread.
 class RENDERENGINE_API ContextInterface
 {
 public:
@@ -62,7 +63,8 @@ public:
     /// before init(). The caller owns the result and deletes it on the thread that called init().
     static ContextInterface* createInstance();
 
-    /// Runs what was asked for, stops the render thread and frees every resource.
+    /// Runs what was asked for and stops the render thread, which frees the device objects. Without a render thread
+    /// those live as long as the device contexts that share them.
     virtual ~ContextInterface() = default;
 
     /// Whether the renderer can put a frame on a framebuffer at all.
@@ -270,7 +272,8 @@ public:
 
     /// Queries. \p type is 0 for samples passed, 1 any samples passed, 2 the same conservatively, 3 primitives
     /// generated, 4 transform feedback primitives written, 5 time elapsed, 6 timestamp. Create goes to the head list,
-    /// destroy to the tail list. A result is 0 before a result command of that query has run.
+    /// destroy to the tail list. A result is 0 before a result command of that query has run, and may be asked for
+    /// at any time.
     virtual QueryHandle createQuery(uint32_t type) = 0;
     virtual uint64_t getQueryResult(const QueryHandle& handle) = 0;
     virtual void destroyQuery(const QueryHandle& handle) = 0;

@@ -8,7 +8,8 @@ namespace renderengine
 /// Code of the client that runs at its place among the commands.
 ///
 /// It is always held by a std::shared_ptr made for the client's own type, which is what deletes it: there is no virtual
-/// destructor. Marking that type final tells compilers that this is meant.
+/// destructor. Marking that type final tells compilers that this is meant. The last holder may be a frame, so that it
+/// is deleted on the render thread.
 struct RENDERENGINE_API TaskInterface
 {
     TaskInterface();

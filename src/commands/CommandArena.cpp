@@ -85,7 +85,8 @@ void CommandArena::Chunk::destroy(Chunk* chunk) noexcept
 CommandArena::CommandArena(CommandArena&& other) noexcept
     : m_cursor(std::exchange(other.m_cursor, nullptr)), m_pageEnd(std::exchange(other.m_pageEnd, nullptr)),
       m_chunk(std::exchange(other.m_chunk, nullptr)), m_used(std::exchange(other.m_used, 0)),
-      m_page(std::exchange(other.m_page, 0)), m_pagesTaken(std::exchange(other.m_pagesTaken, 0))
+      m_page(std::exchange(other.m_page, 0)), m_pagesTaken(std::exchange(other.m_pagesTaken, 0)),
+      m_pagesTakenBefore(std::exchange(other.m_pagesTakenBefore, 0))
 {
 }
 
@@ -100,6 +101,7 @@ CommandArena& CommandArena::operator=(CommandArena&& other) noexcept
         m_used = std::exchange(other.m_used, 0);
         m_page = std::exchange(other.m_page, 0);
         m_pagesTaken = std::exchange(other.m_pagesTaken, 0);
+        m_pagesTakenBefore = std::exchange(other.m_pagesTakenBefore, 0);
     }
     return *this;
 }
@@ -149,6 +151,7 @@ void CommandArena::FreeBatch::add(Chunk* chunk) noexcept
 
 void CommandArena::recycle() noexcept
 {
+    m_pagesTakenBefore = std::exchange(m_pagesTaken, 0);
     if (m_chunk != nullptr && m_chunk->live.load(std::memory_order_acquire) == Credit - m_used)
     {
         m_chunk->live.store(Credit, std::memory_order_relaxed);
@@ -171,7 +174,8 @@ void CommandArena::nextPage()
 
 void CommandArena::addChunk()
 {
-    const uint32_t pageCount = std::clamp(m_pagesTaken / GrowthDivisor, 1u, LargestPageCount);
+    const uint32_t pagesOfList = std::max(m_pagesTaken, m_pagesTakenBefore);
+    const uint32_t pageCount = std::clamp(pagesOfList / GrowthDivisor, 1u, LargestPageCount);
     Chunk* const chunk = Chunk::create(pageCount);
     retire();
     m_chunk = chunk;

@@ -21,8 +21,9 @@ namespace renderengine
 /// - The count starts with a large credit instead of 0. Cutting a block only counts in the list, without an atomic
 ///   operation; freeing one subtracts 1 from the chunk. When the list leaves the chunk it takes the unused credit back,
 ///   and whoever brings the count to 0 frees the chunk: the list or the last command, on whatever thread.
-/// - Chunks grow with the list, so that what a long list leaves unused is a sixteenth of its memory at most. A chunk of
-///   the largest size is a piece of CommandMemory.
+/// - Chunks grow with the list, as it is filled and as it was filled the time before, so that what a long list leaves
+///   unused is a sixteenth of its memory at most, and a short one that is filled every frame keeps to short chunks. A
+///   chunk of the largest size is a piece of CommandMemory.
 /// - A list that was emptied, and whose commands are all gone, starts its last chunk over.
 /// - A command that outlives its neighbours keeps their chunk: of a list of which only scattered commands survive, up
 ///   to one chunk a survivor stays in memory.
@@ -84,7 +85,7 @@ public:
         uint32_t m_count = 0;
     };
 
-    /// Starts the current chunk over if none of its blocks is alive.
+    /// The list was emptied and is filled anew: starts the current chunk over if none of its blocks is alive.
     void recycle() noexcept;
 
     /// The arena from which CommandAllocator allocates on this thread.
@@ -111,8 +112,10 @@ private:
     uint32_t m_used = 0;
     /// Index of the current page in the current chunk.
     uint32_t m_page = 0;
-    /// Pages that the arena has taken so far, up to the number from which on chunks no longer grow.
+    /// Pages taken for what fills the list now and for what filled it before, up to the number from which on chunks no
+    /// longer grow.
     uint32_t m_pagesTaken = 0;
+    uint32_t m_pagesTakenBefore = 0;
 };
 
 /// Allocates from the current arena of the thread what fits into a page, and from the heap what does not. It has no

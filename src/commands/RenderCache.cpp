@@ -163,15 +163,14 @@ uint64_t RenderCache::getCommandBufferSize() const
 
 void RenderCache::beginBufferList(unsigned count)
 {
-    m_bufferList.clear();
-    m_bufferListIndex = 0;
-    // Made aside, so that an exhausted allocator leaves no empty element behind.
+    // Made aside, so that an exhausted allocator leaves the cache as it was.
     std::vector<std::shared_ptr<CommandBuffer>> list(count);
     for (std::shared_ptr<CommandBuffer>& buffer : list)
     {
         buffer = std::make_shared<CommandBuffer>();
     }
     m_bufferList = std::move(list);
+    m_bufferListIndex = 0;
 }
 
 void RenderCache::setBufferListIndex(unsigned index)

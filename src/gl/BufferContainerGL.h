@@ -23,7 +23,8 @@ public:
     /// Unregisters the view from its buffer, which is null afterwards.
     void destroy() override;
 
-    /// Moves the view to another buffer, not owned; null leaves it without one.
+    /// Moves the view to another buffer, not owned; null leaves it without one. Counts as a change also when the buffer
+    /// stays: whatever else the view says changes with it.
     void setBuffer(BufferGL* newBuffer);
     /// The buffer below, or null.
     BufferGL* getBuffer() const { return buffer; }

@@ -123,6 +123,10 @@ void BufferGL::removeContainer(BufferContainerGL* container)
 
 void BufferGL::detachContainers()
 {
+    if (containers.empty())
+    {
+        return;
+    }
     for (BufferContainerGL* container : containers)
     {
         container->buffer = nullptr;

@@ -12,13 +12,18 @@ bool PlainDraw::isCurrent(const ShaderProgramGL& program) const
     return m_viewStamp == BufferContainerGL::getChangeStamp() && m_linkStamp == program.getLinkStamp();
 }
 
-void PlainDraw::restart(const ShaderProgramGL& program)
+void PlainDraw::clear()
 {
-    m_viewStamp = BufferContainerGL::getChangeStamp();
-    m_linkStamp = program.getLinkStamp();
+    m_viewStamp = 0;
     blocks.clear();
     attributes.clear();
     ranges.clear();
+}
+
+void PlainDraw::setCurrent(const ShaderProgramGL& program)
+{
+    m_viewStamp = BufferContainerGL::getChangeStamp();
+    m_linkStamp = program.getLinkStamp();
 }
 
 void PlainDraw::prefetch() const

@@ -43,11 +43,11 @@ public:
     /// True while the program is the one that it was gathered for and no view has changed since.
     bool isCurrent(const ShaderProgramGL& program) const;
 
-    /// Empties the lists, to be filled again for a program.
-    void restart(const ShaderProgramGL& program);
+    /// Empties the lists and makes it not current.
+    void clear();
 
-    /// Makes it not current.
-    void invalidate() { m_viewStamp = 0; }
+    /// Makes it current: the lists hold what the views say now.
+    void setCurrent(const ShaderProgramGL& program);
 
     /// Asks for the lists, so that they are in the processor's cache when the draw's turn comes.
     void prefetch() const;

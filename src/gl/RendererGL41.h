@@ -20,6 +20,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace renderengine
@@ -243,8 +244,8 @@ protected:
     bool m_differentialState;
     bool m_stateUnknown = true;
     bool m_primitiveRestartEnabled = false;
-    RenderTargetHandle m_currentRenderTarget;
-    ViewportHandle m_currentViewport;
+    std::optional<RenderTargetHandle> m_currentRenderTarget; // empty: not known, which differs from every handle
+    std::optional<ViewportHandle> m_currentViewport;         // likewise
     GfxStateProperties m_currentGfxState;
     ShaderStateCoreProperties m_currentShaderState;
 
@@ -322,7 +323,7 @@ private:
     void copyIndices(const DrawProperties& member, const PrimitiveUse& use, IndexBufferGL& merged, MergedDraw& draw,
                      uint64_t& writeOffset, uint64_t vertexOffset);
     IndexBufferHandle getSequenceIndexBuffer(uint32_t elementCount);
-    void fillSequence(BufferGL& buffer);
+    bool fillSequence(BufferGL& buffer);
 
     // Resources
     template <class Handle, class Resource> static Handle createHandle(ResourceTable<Handle, Resource>& table);
@@ -339,6 +340,7 @@ private:
     void unlistDraw(const DrawPropertiesHandle& properties, const DrawHandle& draw);
     void forgetViewport(const ViewportHandle& handle);
     void forgetDirtyRenderTarget();
+    void finishRenderTask(const TextureUnitProperties& textures);
 
     // Debug
     void drainDebugLog() const;

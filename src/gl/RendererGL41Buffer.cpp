@@ -23,8 +23,12 @@ void RendererGL41::execute(CommandUpdateBuffer& command)
     if (BufferGL* buffer =
             findOrReport(m_tables.buffers, command.handle, "[RendererGL] Trying to update an invalid buffer."))
     {
-        buffer->update(command.properties);
-        command.releaseData();
+        // A list that a task's exception has interrupted runs again, and this command has given its data away by then.
+        if (command.properties.data != nullptr || command.properties.size == 0)
+        {
+            buffer->update(command.properties);
+            command.releaseData();
+        }
     }
 }
 

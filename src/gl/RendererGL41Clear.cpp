@@ -218,7 +218,7 @@ void RendererGL41::execute(CommandBlit& command)
     const SbVec4i32& to = properties.destination;
     glBlitFramebuffer(from[0], from[1], from[2], from[3], to[0], to[1], to[2], to[3], mask,
                       properties.filter == 2 ? GL_LINEAR : GL_NEAREST);
-    m_currentRenderTarget = RenderTargetHandle();
+    m_currentRenderTarget.reset();
 }
 
 } // namespace renderengine

@@ -223,8 +223,9 @@ void RendererGL41::drawPlain(DrawGL& draw, const ShaderProgramGL& program, GLuin
     PlainDraw& plainDraw = draw.plainDraw;
     if (!plainDraw.isCurrent(program))
     {
-        plainDraw.restart(program);
+        plainDraw.clear();
         gatherPlainDraw(plainDraw, *draw.batches.front(), program);
+        plainDraw.setCurrent(program);
     }
     GLuint binding = firstBinding;
     for (const PlainDraw::Block& block : plainDraw.blocks)

@@ -191,7 +191,7 @@ void RendererGL41::buildPlainBatch(DrawGL& draw)
 {
     draw.batches.clear();
     draw.isPlain = true;
-    draw.plainDraw.invalidate();
+    draw.plainDraw.clear();
     appendWholeDraw(draw);
     Batch& batch = *draw.batches.back();
     holdFirstMember(batch);

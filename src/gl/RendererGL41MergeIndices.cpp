@@ -240,26 +240,34 @@ IndexBufferHandle RendererGL41::getSequenceIndexBuffer(uint32_t elementCount)
     }
     else if (elementCount > m_sequenceCount)
     {
+        const uint32_t formerCount = m_sequenceCount;
         const uint64_t grown = uint64_t{m_sequenceCount} + m_sequenceCount / 2;
         m_sequenceCount = std::max({elementCount, clampToCount(grown), minimumSequenceCount});
         buffer->resize(uint64_t{m_sequenceCount} * sizeof(uint32_t));
-        fillSequence(*buffer);
+        if (!fillSequence(*buffer) && formerCount != 0)
+        {
+            // Other draws go on with what there was.
+            m_sequenceCount = formerCount;
+            buffer->resize(uint64_t{formerCount} * sizeof(uint32_t));
+            fillSequence(*buffer);
+        }
     }
     return m_sequenceIndexBuffer;
 }
 
-void RendererGL41::fillSequence(BufferGL& buffer)
+/// False when there is no store to fill; the count is 0 then, so that whoever asks next gets another try.
+bool RendererGL41::fillSequence(BufferGL& buffer)
 {
     buffer.map(0, buffer.getSize(), mapForWriting);
     if (auto* indices = static_cast<uint32_t*>(buffer.getMappedPointer()))
     {
         std::iota(indices, indices + m_sequenceCount, 0u);
         buffer.unmap();
-        return;
+        return true;
     }
-    // The store may be missing. Whoever asks next gets another try.
     spdlog::error("[RendererGL] There is no buffer for the sequence of {} indices.", m_sequenceCount);
     m_sequenceCount = 0;
+    return false;
 }
 
 } // namespace renderengine

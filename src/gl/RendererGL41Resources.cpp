@@ -182,9 +182,9 @@ void RendererGL41::execute(CommandDestroyViewport& command)
 
 void RendererGL41::forgetViewport(const ViewportHandle& handle)
 {
-    if (handle == m_currentViewport)
+    if (handle.isValid() && handle == m_currentViewport)
     {
-        m_currentViewport = ViewportHandle();
+        m_currentViewport.reset();
     }
 }
 

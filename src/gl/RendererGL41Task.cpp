@@ -87,10 +87,24 @@ void RendererGL41::execute(CommandRenderTask& command)
     // All groups of attributes that GL 1 had.
     constexpr GLbitfield allAttributes = 0xFFFFF;
     glPushAttrib(allAttributes);
-    RendererBase::execute(static_cast<CommandTask&>(command));
+    try
+    {
+        RendererBase::execute(static_cast<CommandTask&>(command));
+    }
+    catch (...)
+    {
+        finishRenderTask(shaderState.textures);
+        throw;
+    }
+    finishRenderTask(shaderState.textures);
+}
+
+void RendererGL41::finishRenderTask(const TextureUnitProperties& textures)
+{
+    // The client's code may have left another context current.
     glbinding::refreshCurrentTable();
     glPopAttrib();
-    unbindTextures(shaderState.textures);
+    unbindTextures(textures);
     m_stateUnknown = true;
 }
 
@@ -177,7 +191,9 @@ void RendererGL41::execute(CommandGetQueryResult& command)
 {
     if (const QueryGL* query = find(m_tables.queries, command.handle))
     {
-        m_queryResults[command.handle] = query->getResult();
+        const uint64_t result = query->getResult();
+        const std::lock_guard<std::mutex> lock(m_queryMutex);
+        m_queryResults[command.handle] = result;
     }
 }
 
@@ -185,6 +201,7 @@ void RendererGL41::execute(CommandDestroyQuery& command)
 {
     if (command.handle.isValid())
     {
+        const std::lock_guard<std::mutex> lock(m_queryMutex);
         m_queryResults.erase(command.handle);
     }
     releaseResource(m_tables.queries, command.handle);

@@ -99,10 +99,14 @@ void RendererGL41::readbackTexture(const TextureHandle& handle, void* destinatio
 /// The next draw binds the current target again, which rebuilds it, when a texture of it got a new GL name.
 void RendererGL41::forgetDirtyRenderTarget()
 {
-    const RenderTargetGL* target = find(m_tables.renderTargets, m_currentRenderTarget);
+    if (!m_currentRenderTarget)
+    {
+        return;
+    }
+    const RenderTargetGL* target = find(m_tables.renderTargets, *m_currentRenderTarget);
     if (target != nullptr && target->isDirty())
     {
-        m_currentRenderTarget = RenderTargetHandle();
+        m_currentRenderTarget.reset();
     }
 }
 

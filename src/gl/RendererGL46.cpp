@@ -56,12 +56,14 @@ void RendererGL46::setupShaderState(const ShaderStateCoreProperties& shaderState
     {
         return;
     }
+    // Linking again sets the units in the program back.
     changed = changed || shaderState.textureImages != m_currentShaderState.textureImages ||
-              isAnyImageUnbound(shaderState.textureImages);
+              program->getLinkStamp() != m_linkStampOfImages || isAnyImageUnbound(shaderState.textureImages);
     if (changed)
     {
         bindTextureImages(shaderState.textureImages, *program);
         m_currentShaderState.textureImages = shaderState.textureImages;
+        m_linkStampOfImages = program->getLinkStamp();
     }
 }
 

@@ -63,6 +63,7 @@ private:
     int32_t m_maxDrawsPerBatch = -1;   ///< computed by the first draw that needs it, for good
     int32_t m_maxMergedEntries = -1;   ///< likewise
     int32_t m_maxUniformBlockSize = 0; ///< bytes
+    uint64_t m_linkStampOfImages = 0;  ///< of the program whose uniforms name the units of the current images
 };
 
 } // namespace renderengine

@@ -179,6 +179,8 @@ std::string& RendererBase::resetShaderProgramLog(const ShaderProgramHandle& hand
 
 uint64_t RendererBase::getQueryResult(const QueryHandle& handle) const
 {
+    // A client may ask while the render thread stores the result of another query.
+    const std::lock_guard<std::mutex> lock(m_queryMutex);
     const auto found = m_queryResults.find(handle);
     return found != m_queryResults.end() ? found->second : m_queryResults.at(QueryHandle());
 }

@@ -83,7 +83,8 @@ public:
 #undef RENDERENGINE_DECLARE_EXECUTE
 
     /// Begins, runs the resource list and, when a frame waits, the oldest one, which it then drops and finishes. Holds
-    /// the frame lock for its whole length. An exception leaves the resource list and the frame waiting.
+    /// the frame lock for its whole length. An exception leaves the frame waiting, and one of a resource
+    /// command the resource list as well.
     virtual void execute();
 
     /// The memory of a buffer that a map command has mapped; null when it is not mapped. Never grows a table.
@@ -301,8 +302,8 @@ protected:
     RenderTargetHandle m_reversePresentRenderTarget;
     TextureHandle m_presentColorTexture;
     TextureHandle m_presentDepthTexture;
-    TextureHandle m_reversePresentColorTexture; // used by the OpenGL renderer only
-    TextureHandle m_reversePresentDepthTexture; // used by the OpenGL renderer only
+    TextureHandle m_reversePresentColorTexture; // kept for the client; no renderer reads it
+    TextureHandle m_reversePresentDepthTexture; // likewise
 
     // Atomic because setSize() may run while the render thread reads them.
     std::atomic<uint32_t> m_width;
@@ -311,7 +312,8 @@ protected:
     // Each holds, under the invalid handle, what a handle without an entry answers.
     std::unordered_map<ShaderObjectHandle, std::string> m_shaderObjectLogs;
     std::unordered_map<ShaderProgramHandle, std::string> m_shaderProgramLogs;
-    std::unordered_map<QueryHandle, uint64_t> m_queryResults;
+    std::unordered_map<QueryHandle, uint64_t> m_queryResults; // guarded by m_queryMutex
+    mutable std::mutex m_queryMutex;
 
     // The shared index buffer 0, 1, 2 and so on, through which ranges without indices are drawn.
     BufferHandle m_sequenceBuffer;

@@ -74,6 +74,18 @@ TEST_F(BufferedRenderCacheTest, SwapEmptiesTheSideThatReceivesCommands)
     EXPECT_EQ(cache.getRenderCache()->getCommandBufferSize(), 0u);
 }
 
+TEST_F(BufferedRenderCacheTest, TwoSwapsInARowLeaveThePreviousSideEmpty)
+{
+    BufferedRenderCache cache;
+    cache.getRenderCache()->draw(DrawHandle(1));
+    cache.swap();
+    const std::shared_ptr<RenderCache> second = cache.getRenderCache();
+    cache.swap();
+    EXPECT_NE(cache.getRenderCache(), second);
+    EXPECT_EQ(second->getCommandBufferSize(), 0u);
+    EXPECT_EQ(cache.getBufferedRenderCacheId(), 2u);
+}
+
 TEST_F(BufferedRenderCacheTest, InvalidateEmptiesBothSidesAndTakesTwoIds)
 {
     BufferedRenderCache cache;

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -179,6 +180,34 @@ TEST(AllocationTest, RefillingACacheAllocatesNothingOnceItsMemoryIsThere)
         }
     }
     EXPECT_EQ(getAllocationCounts().allocations, before);
+}
+
+TEST(AllocationTest, AShortCacheThatIsResetWhileItsCommandsWaitKeepsToShortChunks)
+{
+    constexpr uint32_t drawCount = 10;
+    constexpr uint64_t mostBytes = 16384;
+    RenderCache cache;
+    std::shared_ptr<RenderCache> waiting;
+    const auto fill = [&cache, &waiting]
+    {
+        cache.reset();
+        for (uint32_t i = 0; i < drawCount; ++i)
+        {
+            cache.draw(DrawHandle(i));
+        }
+        // Like a frame that has not run when the next one is recorded.
+        waiting = std::make_shared<RenderCache>();
+        waiting->copy(cache, SbVec2i32(0, drawCount));
+    };
+    fill();
+    const uint64_t before = getAllocationCounts().liveBytes;
+    uint64_t most = 0;
+    for (int i = 0; i < 10000; ++i)
+    {
+        fill();
+        most = std::max(most, getAllocationCounts().liveBytes);
+    }
+    EXPECT_LT(most, before + mostBytes);
 }
 
 } // namespace

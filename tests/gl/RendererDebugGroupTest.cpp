@@ -76,6 +76,7 @@ TEST_F(RendererDebugGroupTest, CommandsThatFindNothingOpenNoGroup)
 {
     EXPECT_EQ(groupsOf<CommandClearRT>(RenderTargetHandle(), ClearTargetProperties()), Texts{});
     EXPECT_EQ(groupsOf<CommandRender>(DrawHandle()), Texts{});
+    EXPECT_EQ(groupsOf<CommandRender>(makeDraw(Scene(), {})), Texts{});
     EXPECT_EQ(groupsOf<CommandCompute>(nullptr, ComputeProperties()), Texts{});
     EXPECT_EQ(groupsOf<CommandUpdateSampler>(SamplerHandle(), SamplerProperties()), Texts{});
     EXPECT_EQ(log.take(), Texts{"error: [RendererGL] Trying to update an invalid sampler."});

@@ -430,6 +430,50 @@ TEST_F(RendererGL41DrawTest, SequenceThatCouldNotBeFilledIsTriedAgain)
     EXPECT_EQ(index, 1048575u);
 }
 
+TEST_F(RendererGL41DrawTest, SequenceThatCannotGrowKeepsWhatItHad)
+{
+    Scene scene = makeScene();
+    scene.properties.ranges[0].indexBuffer = IndexBufferHandle();
+    run<CommandUpdateDrawProperties>(scene.member, scene.properties);
+    drawCalls(scene);
+    const Texts before = drawCalls(scene);
+    DrawProperties tooLarge = scene.properties;
+    tooLarge.ranges[0].count = 2000000;
+    const DrawHandle other = makeDraw(scene, {makeMember(tooLarge)});
+    gl.fail("glMapBufferRange", 1);
+    run<CommandRender>(other);
+    EXPECT_EQ(log.take(), Texts{"error: [RendererGL] There is no buffer for the sequence of 2000000 indices."});
+    const std::vector<std::byte> sequence = gl.bufferContent(3);
+    ASSERT_EQ(sequence.size(), 1048576u * 4);
+    uint32_t index = 0;
+    std::memcpy(&index, &sequence[1048575 * 4], 4);
+    EXPECT_EQ(index, 1048575u);
+    EXPECT_EQ(drawCalls(scene), before);
+}
+
+TEST_F(RendererGL41DrawTest, InvalidTargetIsBoundAfterABlitAndAfterAResizeOfTheCurrentOne)
+{
+    Scene scene = makeScene();
+    const RenderTargetHandle target = scene.shaderState.renderTarget;
+    scene.shaderState.renderTarget = RenderTargetHandle();
+    updateState(scene);
+    drawCalls(scene);
+    EXPECT_EQ(drawCalls(scene), triangleCalls);
+    run<CommandBlit>(target, makeRenderTarget(), BlitProperties());
+    EXPECT_EQ(drawCalls(scene), join({{"glBindFramebuffer(GL_FRAMEBUFFER, 0)"}, triangleCalls}));
+}
+
+TEST_F(RendererGL41DrawTest, InvalidViewportIsSentAfterAnUpdateOfTheCurrentOne)
+{
+    Scene scene = makeScene();
+    drawCalls(scene);
+    run<CommandUpdateViewport>(scene.shaderState.viewport, ViewportProperties());
+    scene.shaderState.viewport = ViewportHandle();
+    updateState(scene);
+    EXPECT_EQ(drawCalls(scene), join({{"glViewport(0, 0, 0, 0)", "glDepthRange(0, 1)"}, triangleCalls}));
+    EXPECT_EQ(drawCalls(scene), triangleCalls);
+}
+
 TEST_F(RendererGL41DrawTest, MissingBaseInstanceMovesInstancedAttributes)
 {
     Scene scene = makeScene();
@@ -460,6 +504,9 @@ TEST_F(RendererGL41DrawTest, MissingBaseInstanceMovesInstancedAttributes)
               (Texts{"glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, 0, 4)",
                      "glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, 0, 28)",
                      "glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, 0, 4)"}));
+    const Texts first = gl.takeCalls();
+    run<CommandRender>(scene.draw);
+    EXPECT_EQ(gl.takeCalls(), first) << "nor in the next frame";
 }
 
 TEST_F(RendererGL41DrawTest, PrimitiveTypesHaveTheirModes)

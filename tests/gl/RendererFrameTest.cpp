@@ -200,6 +200,12 @@ TEST_F(RendererGL41FrameTest, CaptureOfAnEmptyFrameDoesNothingAndTheNumberStillA
     graphicalTest.requestFrames({0, 1});
     renderer->finish();
     EXPECT_EQ(gl.countOf("glReadPixels("), 0u);
+    for (const SbVec2i32& size : {SbVec2i32(5, 0), SbVec2i32(0, 5)})
+    {
+        renderer->setSize(static_cast<uint32_t>(size[0]), static_cast<uint32_t>(size[1]));
+        renderer->captureFrame(1);
+        EXPECT_EQ(gl.countOf("glReadPixels("), 0u);
+    }
     renderer->setSize(1, 1);
     renderer->finish();
     EXPECT_EQ(gl.countOf("glReadPixels("), 1u);

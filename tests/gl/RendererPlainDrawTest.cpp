@@ -169,6 +169,37 @@ TEST_F(RendererPlainDrawTest, AnotherProgramHasOtherLocations)
     EXPECT_EQ(countOf(calls, "glUniformBlockBinding(2, 0, 1)"), 1u);
 }
 
+TEST_F(RendererPlainDrawTest, ItsOwnProgramLinkedAgainHasOtherLocations)
+{
+    gl.setReflection({{{"normal", GL_FLOAT_VEC3}, {"position", GL_FLOAT_VEC3}}, {}, {{"Material"}, {"Transform"}}, {}});
+    ShaderStateProperties shaderState;
+    static_cast<ShaderStateCoreProperties&>(shaderState) = scene.shaderState;
+    run<CommandBeginTransformFeedback>(TransformFeedbackProperties(), shaderState);
+    run<CommandEndTransformFeedback>();
+    const Texts calls = callsAfterEdit();
+    EXPECT_EQ(countOf(calls, "glEnableVertexAttribArray(1)"), 1u);
+    EXPECT_EQ(countOf(calls, "glUniformBlockBinding(1, 1, 0)"), 1u);
+}
+
+TEST_F(RendererPlainDrawTest, RangesFollowTheirOwnIndexBuffers)
+{
+    scene.properties.ranges.push_back(scene.properties.ranges[0]);
+    scene.properties.ranges[1].indexBuffer = makeIndexBuffer(3, SbDataType::UNSIGNED_SHORT);
+    scene.properties.ranges[1].instanceCount = 2;
+    scene.properties.ranges[1].primitiveRestart = true;
+    scene.properties.ranges[1].primitiveRestartValue = 9;
+    run<CommandUpdateDrawProperties>(scene.member, scene.properties);
+    drawCalls(scene);
+    const Texts both = drawCalls(scene);
+    EXPECT_EQ(countOf(both, "glDrawElements"), 2u);
+    EXPECT_EQ(countOf(both, "glDisable(GL_PRIMITIVE_RESTART)"), 1u) << "left on by the draw before";
+    EXPECT_EQ(countOf(both, "glPrimitiveRestartIndex(9)"), 1u);
+    run<CommandDestroyIndexBuffer>(scene.properties.ranges[0].indexBuffer);
+    const Texts one = drawCalls(scene);
+    EXPECT_EQ(countOf(one, "glDrawElements"), 1u);
+    EXPECT_EQ(countOf(one, "GL_UNSIGNED_SHORT"), 1u);
+}
+
 TEST_F(RendererPlainDrawTest, AnUpdateOfTheMemberReachesTheNextDraw)
 {
     scene.properties.ranges[0].count = 6;

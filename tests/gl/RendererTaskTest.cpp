@@ -1,5 +1,7 @@
 #include "RendererFixture.h"
 
+#include <stdexcept>
+
 namespace renderengine
 {
 namespace
@@ -146,6 +148,29 @@ TEST_F(RendererGL41TaskTest, FixedFunctionTaskGetsItsRecordsInOrder)
     EXPECT_LT(position("glDisable(GL_TEXTURE_GEN_S)"),
               position("glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE)"));
     EXPECT_LT(position("glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE)"), position("glFlush()"));
+}
+
+TEST_F(RendererGL41TaskTest, RenderTaskThatThrowsLeavesNothingBehind)
+{
+    struct ThrowingTask final : TaskInterface
+    {
+        void run() override { throw std::runtime_error("the client's"); }
+    };
+    const Scene scene = makeScene();
+    drawCalls(scene);
+    TaskProperties properties;
+    properties.task = std::make_shared<ThrowingTask>();
+    ShaderStateProperties shaderState;
+    shaderState.renderTarget = makeRenderTarget();
+    shaderState.textures.mask = 1;
+    shaderState.textures.textures[0] = makeTexture();
+    gl.clear();
+    EXPECT_THROW(run<CommandRenderTask>(properties, nullptr, shaderState, false), std::runtime_error);
+    EXPECT_EQ(gl.countOf("glPushAttrib"), 1u);
+    EXPECT_EQ(gl.countOf("glPopAttrib"), 1u);
+    EXPECT_EQ(gl.calls().back(), "glActiveTexture(GL_TEXTURE0)");
+    const Texts calls = drawCalls(scene);
+    EXPECT_EQ(calls.front(), "glBindFramebuffer(GL_FRAMEBUFFER, 1)") << "all state is sent again";
 }
 
 TEST_F(RendererGL41TaskTest, FeedbackLinksAgainAndBindsItsBuffers)
