@@ -18,8 +18,8 @@ enum ContextFlag : uint8_t
 /// The flags byte for the settings as they stand now. Sharing is always on.
 uint8_t contextFlags();
 
-/// Makes an OpenGL context with the given flags; its init() reads the setting KVR_RENDERENGINE_RENDERER. The caller owns
-/// it. Touches no device.
+/// Makes an OpenGL context with the given flags; its init() reads the setting KVR_RENDERENGINE_RENDERER. The caller
+/// owns it. Touches no device.
 ContextInterface* createContext(uint8_t flags);
 
 } // namespace renderengine
