@@ -8,7 +8,7 @@ BUILD_PACKAGES=(
     libspdlog-dev libfmt-dev libgtest-dev libgmock-dev libbenchmark-dev
     libassimp-dev assimp-testmodels libstb-dev libcli11-dev
     libegl-dev libgl-dev libopengl-dev libx11-dev libvulkan-dev
-    nlohmann-json3-dev
+    nlohmann-json3-dev python3-glad khronos-api
     libegl1 libegl-mesa0 libgl1-mesa-dri libglx-mesa0 mesa-vulkan-drivers xvfb
 )
 
@@ -16,7 +16,6 @@ BUILD_PACKAGES=(
 # shellcheck disable=SC2034
 CHECK_PACKAGES=(
     clang clang-tidy clang-format binutils
-    python3-glad khronos-api
     g++-mingw-w64-x86-64-posix googletest
 )
 
