@@ -3,6 +3,11 @@
 namespace renderengine
 {
 
+void CommandBuffer::reserve(uint64_t count)
+{
+    m_commands.reserve(count);
+}
+
 void CommandBuffer::append(const CommandBuffer& other)
 {
     m_commands.append(other.m_commands, 0, other.m_commands.size());

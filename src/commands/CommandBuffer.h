@@ -57,7 +57,11 @@ public:
         }
     }
 
-    /// Appends the commands of another list, which goes on sharing them.
+    /// Makes room for appending that many commands. Throws std::bad_alloc.
+    void reserve(uint64_t count);
+
+    /// Appends the commands of another list, which goes on sharing them. When there is no memory for all of them it
+    /// changes nothing and throws std::bad_alloc.
     void append(const CommandBuffer& other);
 
     /// Appends the commands of another list from index `range[0]` up to but not including `range[1]`, which must lie

@@ -106,6 +106,9 @@ public:
         }
     }
 
+    /// Makes room for that many more pointers. Throws std::bad_alloc.
+    void reserve(uint64_t count);
+
     /// Appends a pointer, for which there must be room.
     void push(Pointer&& pointer) noexcept
     {
@@ -121,7 +124,8 @@ public:
     }
 
     /// Appends those of another sequence, or of itself, from index `first` up to but not including `last`. Sets memory
-    /// aside once at most, and changes nothing when there is none: throws std::bad_alloc.
+    /// aside once at most, or not at all when there is room, and changes nothing when there is none: throws
+    /// std::bad_alloc.
     void append(const CommandSequence& other, uint64_t first, uint64_t last);
 
     /// Drops all pointers and keeps the blocks.
@@ -139,7 +143,6 @@ private:
     const Block& current() const noexcept { return m_blocks[m_blocksInUse - 1]; }
 
     void openBlock();
-    void reserve(uint64_t count);
     void addBlock(uint64_t capacity);
     void enter(std::size_t block) noexcept;
     void copyInto(const Pointer* source, uint64_t count);

@@ -180,6 +180,13 @@ void RenderCache::setBufferListIndex(unsigned index)
 
 void RenderCache::endBufferList()
 {
+    // At once, so that an exhausted allocator leaves the lists as they were.
+    uint64_t count = 0;
+    for (const std::shared_ptr<CommandBuffer>& buffer : m_bufferList)
+    {
+        count += buffer->size();
+    }
+    m_commandBuffer->reserve(count);
     for (const std::shared_ptr<CommandBuffer>& buffer : m_bufferList)
     {
         m_commandBuffer->append(*buffer);

@@ -13,9 +13,9 @@ void Frame::submit(const std::shared_ptr<RenderCache>& cache)
 {
     auto commands = std::make_shared<CommandBuffer>();
     commands->append(m_headCommands);
-    m_headCommands.clear();
     commands->append(*cache->getCommandBuffer());
     m_commandBuffers.push(commands);
+    m_headCommands.clear(); // last, so that an exhausted allocator leaves the frame as it was
 }
 
 void Frame::execute(RendererBase& renderer)

@@ -2,6 +2,8 @@
 
 #include "GLRecordingFixture.h"
 
+#include <thread>
+
 namespace renderengine
 {
 
@@ -123,6 +125,34 @@ TEST_F(FenceGLTest, AFailedClientWaitGoesOnLoopingWithTheFlushBit)
         (Texts{"glClientWaitSync(<sync 1>, 0, 5000)", "glClientWaitSync(<sync 1>, GL_SYNC_FLUSH_COMMANDS_BIT, 5000)",
                "glClientWaitSync(<sync 1>, GL_SYNC_FLUSH_COMMANDS_BIT, 5000)"}));
     EXPECT_TRUE(fence.holdsSync());
+}
+
+TEST_F(FenceGLTest, OneThreadInsertsWhileAnotherWaits)
+{
+    constexpr int rounds = 2000;
+    FenceGL fence(1);
+    gl.setRecording(false);
+    std::thread inserter(
+        [&]
+        {
+            const glbinding::RecordingGL::Attach attach(gl);
+            for (int i = 0; i < rounds; ++i)
+            {
+                fence.insert();
+            }
+        });
+    for (int i = 0; i < rounds; ++i)
+    {
+        fence.wait();
+    }
+    inserter.join();
+    fence.release();
+    EXPECT_EQ(gl.made("Sync"), static_cast<size_t>(rounds));
+    EXPECT_EQ(gl.liveObjects(), Texts{});
+    for (const std::string& line : log.take()) // a wait before an insert
+    {
+        EXPECT_EQ(line, "error: [FenceGL] Fence creation failed");
+    }
 }
 
 } // namespace renderengine

@@ -1,20 +1,18 @@
 #include "RendererFixture.h"
+#include "RendererGL41TestAccess.h"
 
 #include <renderengine/FramebufferParameterGLEventArg.h>
 
 #include <kavelor/SoGraphicalTestSingleton.h>
 #include <kavelor/SoPreferences.h>
 
+#include <algorithm>
+#include <iterator>
 #include <thread>
+#include <vector>
 
 namespace renderengine
 {
-
-/// Reaches what no other class may call.
-struct RendererGL41TestAccess
-{
-    static void drainDebugLog(const RendererGL41& renderer) { renderer.drainDebugLog(); }
-};
 
 namespace
 {
@@ -270,6 +268,36 @@ TEST_F(RendererGL41FrameTest, DebugLogIsDrainedInTens)
 {
     RendererGL41TestAccess::drainDebugLog(*renderer);
     EXPECT_EQ(gl.countOf("glGetDebugMessageLogARB(10, 2048, "), 1u);
+}
+
+/// Two messages behind each other, each with the zero at its end, which its length counts.
+GLuint GLAPIENTRY giveTwoMessages(GLuint count, GLsizei size, GLenum* /*sources*/, GLenum* /*types*/, GLuint* /*ids*/,
+                                  GLenum* /*severities*/, GLsizei* lengths, GLchar* texts)
+{
+    constexpr char messages[] = "out of memory\0texture 7 is incomplete";
+    EXPECT_GE(count, 2u);
+    EXPECT_GE(size, static_cast<GLsizei>(sizeof(messages)));
+    std::copy(std::begin(messages), std::end(messages), texts);
+    lengths[0] = 14;
+    lengths[1] = static_cast<GLsizei>(sizeof(messages)) - 14;
+    return 2;
+}
+
+TEST_F(RendererGL41FrameTest, DrainedMessagesAreReportedOneByOne)
+{
+    GLEWContextStruct table = *glbinding::RecordingGL::table();
+    table.kvr_common__glewGetDebugMessageLogARB = giveTwoMessages;
+    const glbinding::ScopedTable scope(&table);
+    RendererGL41TestAccess::drainDebugLog(*renderer);
+    EXPECT_EQ(log.take(), (Texts{"error: [RendererGL][debug] out of memory",
+                                 "error: [RendererGL][debug] texture 7 is incomplete"}));
+}
+
+TEST_F(RendererGL41FrameTest, OwnVirtualOperationsStandBehindThoseOfTheBase)
+{
+    constexpr size_t first = testing::DESTRUCTOR_SLOTS + 172;
+    EXPECT_EQ(RendererGL41TestAccess::getOwnSlots(),
+              (std::vector<size_t>{first, first + 1, first + 2, first + 3, first + 4}));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // Whole sequences of calls of merged shader buffers and texture images.
 
+#include "RendererGL41TestAccess.h"
 #include "RendererGL46Fixture.h"
 
 #include <kavelor/SoPreferences.h>
@@ -66,13 +67,13 @@ protected:
         return Texts(first, last);
     }
 
-    static Texts buildOf(const Texts& vertices, int name)
+    static Texts blocksOf(int name)
     {
-        return join(
-            {vertices, createCalls(name, 32, "<pointer>", "GL_STATIC_COPY"), // transforms: two entries of 16 bytes
-             createCalls(name + 1, 128, "null"), copyCalls(3, name + 1, 0, 64), copyCalls(4, name + 1, 64, 64),
-             createCalls(name + 2, 32, "<pointer>", "GL_STATIC_COPY"), // materials
-             createCalls(name + 3, 128, "null"), copyCalls(5, name + 3, 0, 64), copyCalls(6, name + 3, 64, 64)});
+        return join({createCalls(name, 32, "<pointer>", "GL_STATIC_COPY"), // transforms: two entries of 16 bytes
+                     createCalls(name + 1, 128, "null"), copyCalls(3, name + 1, 0, 64), copyCalls(4, name + 1, 64, 64),
+                     createCalls(name + 2, 32, "<pointer>", "GL_STATIC_COPY"), // materials
+                     createCalls(name + 3, 128, "null"), copyCalls(5, name + 3, 0, 64),
+                     copyCalls(6, name + 3, 64, 64)});
     }
 
     static Texts verticesOf(int name)
@@ -89,7 +90,7 @@ protected:
 
 TEST_F(MergedPairTest, VerticesThenIndicesThenTransformsThenMaterialsAreMerged)
 {
-    EXPECT_EQ(mergingCalls(), buildOf(verticesOf(7), 10));
+    EXPECT_EQ(mergingCalls(), join({verticesOf(7), blocksOf(10)}));
 }
 
 TEST_F(MergedPairTest, RebuildReleasesInOrderOfCreationBeforeItBuilds)
@@ -104,7 +105,19 @@ TEST_F(MergedPairTest, RebuildReleasesInOrderOfCreationBeforeItBuilds)
     {
         released = join({released, releaseCalls(name)});
     }
-    EXPECT_EQ(mergingCalls(), join({released, buildOf(verticesOf(14), 17)}));
+    EXPECT_EQ(mergingCalls(), join({released, verticesOf(14), blocksOf(17)}));
+}
+
+TEST_F(MergedPairTest, BlocksMergedAgainAloneAreReleasedFromTheLastToTheFirst)
+{
+    mergingCalls();
+    gl.clear();
+    RendererGL41TestAccess::mergeShaderBuffers(*renderer, draw, false);
+    EXPECT_EQ(gl.takeCalls(), Texts{}) << "nothing is dirty";
+    RendererGL41TestAccess::mergeShaderBuffers(*renderer, draw, true);
+    EXPECT_EQ(gl.takeCalls(),
+              join({releaseCalls(13), releaseCalls(12), releaseCalls(11), releaseCalls(10), blocksOf(14)}));
+    EXPECT_EQ(gl.live("Buffer"), 13u);
 }
 
 TEST_F(MergedPairTest, SteadyDrawBindsTheFirstMembersBlocksAndThenTheMergedOnes)

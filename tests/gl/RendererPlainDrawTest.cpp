@@ -4,7 +4,9 @@
 #include "RendererFixture.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace renderengine
 {
@@ -239,6 +241,34 @@ TEST_F(RendererPlainDrawTest, AMergedDrawIsDrawnPlainlyAgainWithOneMember)
     run<CommandDestroyDrawProperties>(second);
     drawCalls(scene);
     EXPECT_EQ(drawCalls(scene), before);
+}
+
+TEST_F(RendererPlainDrawTest, AnotherRendererOnTheThreadChangesNothing)
+{
+    std::unique_ptr<RendererGL41> other = std::move(renderer);
+    start<RendererGL41>();
+    const Scene otherScene = makeScene();
+    EXPECT_EQ(otherScene.draw, scene.draw); // each renderer numbers its own
+    drawCalls(otherScene);
+    const Texts otherBefore = drawCalls(otherScene);
+
+    std::swap(renderer, other);
+    EXPECT_EQ(drawCalls(scene), before);
+    std::swap(renderer, other);
+    run<CommandDestroyVertexBuffer>(otherScene.vertexBuffer);
+    EXPECT_EQ(countOf(drawCalls(otherScene), "glVertexAttribPointer"), 0u);
+
+    std::swap(renderer, other);
+    EXPECT_EQ(drawCalls(scene), before);
+    VertexBufferProperties properties = positionRecord();
+    properties.componentCount = 2;
+    run<CommandUpdateVertexBuffer>(scene.vertexBuffer, properties);
+    std::swap(renderer, other);
+    run<CommandCreateVertexBuffer>(otherScene.vertexBuffer, positionRecord());
+    EXPECT_EQ(drawCalls(otherScene), otherBefore);
+
+    std::swap(renderer, other);
+    EXPECT_EQ(countOf(callsAfterEdit(), "glVertexAttribPointer(0, 2, "), 1u);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "context/ContextBase.h"
 #include "renderer/RendererBase.h"
+#include "support/VirtualSlot.h"
 
 #include <renderengine/ContextInterface.h>
 #include <renderengine/RenderCache.h>
@@ -7,8 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <cstring>
 #include <vector>
 
 namespace renderengine
@@ -16,14 +15,8 @@ namespace renderengine
 namespace
 {
 
-// The slot of a virtual operation. In the C++ ABI that all our compilers follow, a pointer to a virtual member begins
-// with one more than the byte offset of its slot in the table, and a virtual destructor takes two slots.
-template <class Member> size_t slotOf(Member member)
-{
-    std::uintptr_t offset = 0;
-    std::memcpy(&offset, &member, sizeof(offset));
-    return (offset - 1) / sizeof(void*);
-}
+using testing::DESTRUCTOR_SLOTS;
+using testing::slotOf;
 
 template <class Command> size_t overload()
 {
@@ -41,8 +34,6 @@ template <class Properties> size_t rendererUpdate()
     return slotOf(static_cast<void (RendererBase::*)(const ShaderParameterHandle&, const Properties&)>(
         &RendererBase::updateShaderParameter));
 }
-
-constexpr size_t DESTRUCTOR_SLOTS = 2;
 
 TEST(RendererBaseTableTest, Has173VirtualOperationsInTheirOrder)
 {

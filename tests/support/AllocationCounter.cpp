@@ -12,6 +12,21 @@ namespace
 std::atomic<uint64_t> s_allocations{0};
 std::atomic<uint64_t> s_liveBytes{0};
 
+constexpr uint64_t UNLIMITED = UINT64_MAX;
+thread_local uint64_t s_allowed = UNLIMITED;
+
+void takeFromLimit()
+{
+    if (s_allowed == 0)
+    {
+        throw std::bad_alloc();
+    }
+    if (s_allowed != UNLIMITED)
+    {
+        --s_allowed;
+    }
+}
+
 void* count(void* memory)
 {
     if (memory == nullptr)
@@ -42,17 +57,29 @@ AllocationCounts getAllocationCounts()
     return {s_allocations.load(std::memory_order_relaxed), s_liveBytes.load(std::memory_order_relaxed)};
 }
 
+AllocationLimit::AllocationLimit(uint64_t allowed)
+{
+    s_allowed = allowed;
+}
+
+AllocationLimit::~AllocationLimit()
+{
+    s_allowed = UNLIMITED;
+}
+
 } // namespace renderengine::testing
 
 // The other forms of the operators call these.
 
 void* operator new(std::size_t size)
 {
+    takeFromLimit();
     return count(std::malloc(size == 0 ? 1 : size));
 }
 
 void* operator new(std::size_t size, std::align_val_t alignment)
 {
+    takeFromLimit();
     const auto step = static_cast<std::size_t>(alignment);
     return count(std::aligned_alloc(step, (size + step - 1) / step * step));
 }

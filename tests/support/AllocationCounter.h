@@ -15,4 +15,15 @@ struct AllocationCounts
 
 AllocationCounts getAllocationCounts();
 
+/// While it lives, the operators `new` give the calling thread so many blocks and then throw std::bad_alloc. One at a
+/// time on a thread.
+class AllocationLimit
+{
+public:
+    explicit AllocationLimit(uint64_t allowed);
+    ~AllocationLimit();
+    AllocationLimit(const AllocationLimit&) = delete;
+    AllocationLimit& operator=(const AllocationLimit&) = delete;
+};
+
 } // namespace renderengine::testing
