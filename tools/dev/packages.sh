@@ -6,7 +6,7 @@
 BUILD_PACKAGES=(
     g++ cmake ninja-build pkg-config python3
     libspdlog-dev libfmt-dev libgtest-dev libgmock-dev libbenchmark-dev
-    libassimp-dev assimp-testmodels libstb-dev libcli11-dev
+    libassimp-dev zlib1g-dev assimp-testmodels libstb-dev libcli11-dev
     libegl-dev libgl-dev libopengl-dev libx11-dev libvulkan-dev
     nlohmann-json3-dev python3-glad khronos-api
     libegl1 libegl-mesa0 libgl1-mesa-dri libglx-mesa0 mesa-vulkan-drivers xvfb
