@@ -3,6 +3,7 @@
 #include "GLDeviceTestSupport.h"
 #include "RandomScene.h"
 #include "RendererDriver.h"
+#include "RendererGL41TestAccess.h"
 #include "ScenePlayer.h"
 
 #include <kavelor/SoPreferences.h>
@@ -22,6 +23,16 @@ constexpr uint32_t sharedSceneCount = 96;
 constexpr uint32_t ownSceneCount = 64;
 
 using Pixels = std::vector<uint32_t>;
+
+/// What came of drawing many scenes both ways.
+struct Show
+{
+    std::vector<Pixels> pictures;     ///< of the ranges one by one: each scene as it is made, then after a change
+    size_t unequalPictures = 0;       ///< merged ones that are not those of the ranges one by one
+    size_t paintedScenes = 0;         ///< scenes of which anything is seen
+    size_t mergedBatches = 0;         ///< batches of several draws, of all scenes as they are made
+    size_t drawsOfSeveralMembers = 0; ///< of all scenes
+};
 
 const char* const sceneVertexText = R"(
 layout(location = 0) in vec3 position;
@@ -207,12 +218,11 @@ protected:
                    : 0;
     }
 
-    /// Each scene twice, and once more with other vertices in one of its buffers. Returns the pictures; merging must
-    /// not be seen in any of them.
-    std::vector<Pixels> play(MemberBlocks blocks, uint32_t sceneCount, uint32_t blockKind = 1)
+    /// Draws each scene range by range, merged, merged again without a rebuild, and once more both ways with other
+    /// vertices in one of its buffers.
+    Show play(MemberBlocks blocks, uint32_t sceneCount, uint32_t blockKind = 1)
     {
-        std::vector<Pixels> pictures;
-        size_t paintedScenes = 0;
+        Show show;
         for (uint32_t seed = 0; seed < sceneCount; ++seed)
         {
             SCOPED_TRACE("seed " + std::to_string(seed));
@@ -220,9 +230,9 @@ protected:
             ScenePlayer player(*renderer, scene, state, blockKind);
             const int tolerance = toleranceOf(scene);
             const Pixels separate = picture([&] { player.drawRangeByRange(); });
-            EXPECT_EQ(countDifferent(picture([&] { player.drawMerged(); }), separate, tolerance), 0u);
-            EXPECT_EQ(countDifferent(picture([&] { player.drawMerged(); }), separate, tolerance), 0u)
-                << "without a rebuild";
+            compareMerged(show, player, separate, tolerance, "built");
+            compareMerged(show, player, separate, tolerance, "without a rebuild");
+            count(show, scene, player, separate);
 
             const RandomScene::VertexBuffer& buffer = scene.vertexBuffers.front();
             RandomNumbers random(seed + 1000);
@@ -230,24 +240,44 @@ protected:
             player.changeVertices(0, makeRandomVertices(random, buffer, buffer.data.size() / elementSize));
             player.changeTransform(scene.draws.front().members.front().transform, {0.6f, 0.7f, 0.1f, -0.1f});
             const Pixels changed = picture([&] { player.drawRangeByRange(); });
-            EXPECT_EQ(countDifferent(picture([&] { player.drawMerged(); }), changed, tolerance), 0u)
-                << "after a change";
-
-            paintedScenes += static_cast<size_t>(std::count(separate.begin(), separate.end(), 0u)) < separate.size();
-            pictures.push_back(separate);
-            pictures.push_back(changed);
+            compareMerged(show, player, changed, tolerance, "after a change");
+            show.pictures.insert(show.pictures.end(), {separate, changed});
         }
-        EXPECT_GT(paintedScenes, sceneCount * 9 / 10) << "nearly all scenes show something";
-        return pictures;
+        return show;
     }
 
-    void expectSame(const std::vector<Pixels>& first, const std::vector<Pixels>& second)
+    void compareMerged(Show& show, ScenePlayer& player, const Pixels& separate, int tolerance, const char* when)
     {
-        ASSERT_EQ(first.size(), second.size());
-        for (size_t i = 0; i < first.size(); ++i)
+        const size_t different = countDifferent(picture([&] { player.drawMerged(); }), separate, tolerance);
+        EXPECT_EQ(different, 0u) << when;
+        show.unequalPictures += different > 0 ? 1 : 0;
+    }
+
+    void count(Show& show, const RandomScene& scene, const ScenePlayer& player, const Pixels& pixels)
+    {
+        const auto background = static_cast<size_t>(std::count(pixels.begin(), pixels.end(), 0u));
+        show.paintedScenes += background < pixels.size() ? 1 : 0;
+        for (const DrawHandle& handle : player.getMergedDraws())
         {
-            EXPECT_EQ(countDifferent(first[i], second[i]), 0u) << "picture " << i;
+            show.mergedBatches += RendererGL41TestAccess::countMergedBatches(*renderer, handle);
         }
+        for (const RandomScene::Draw& draw : scene.draws)
+        {
+            show.drawsOfSeveralMembers += draw.members.size() > 1 ? 1 : 0;
+        }
+    }
+
+    static size_t countUnequal(const std::vector<Pixels>& first, const std::vector<Pixels>& second)
+    {
+        EXPECT_EQ(first.size(), second.size());
+        size_t count = 0;
+        for (size_t i = 0; i < std::min(first.size(), second.size()); ++i)
+        {
+            const size_t different = countDifferent(first[i], second[i]);
+            EXPECT_EQ(different, 0u) << "picture " << i;
+            count += different > 0 ? 1 : 0;
+        }
+        return count;
     }
 
     ShaderStateCoreProperties state;
@@ -259,36 +289,57 @@ private:
 TEST_F(RandomSceneDeviceTest, MergingIsNotSeenAndBothRenderersShowTheSame)
 {
     restart<RendererGL41>();
-    const std::vector<Pixels> older = play(MemberBlocks::Shared, sharedSceneCount);
+    const Show older = play(MemberBlocks::Shared, sharedSceneCount);
     restart<RendererGL46>();
-    expectSame(older, play(MemberBlocks::Shared, sharedSceneCount));
+    const Show newer = play(MemberBlocks::Shared, sharedSceneCount);
+    EXPECT_EQ(older.unequalPictures, 0u);
+    EXPECT_EQ(newer.unequalPictures, 0u);
+    EXPECT_EQ(countUnequal(older.pictures, newer.pictures), 0u);
+    EXPECT_GT(older.paintedScenes, sharedSceneCount * 9 / 10) << "nearly all scenes show something";
+    EXPECT_GE(older.mergedBatches, older.drawsOfSeveralMembers);
+    EXPECT_GE(newer.mergedBatches, newer.drawsOfSeveralMembers);
 }
 
 TEST_F(RandomSceneDeviceTest, MembersKeepTheirUniformBlocks)
 {
     restart<RendererGL46>();
-    play(MemberBlocks::Own, ownSceneCount);
+    const Show show = play(MemberBlocks::Own, ownSceneCount);
+    EXPECT_EQ(show.unequalPictures, 0u);
+    EXPECT_GT(show.paintedScenes, ownSceneCount * 9 / 10);
+    EXPECT_GE(show.mergedBatches, show.drawsOfSeveralMembers);
 }
 
 TEST_F(RandomSceneDeviceTest, MembersKeepTheirUniformBlocksInSeveralBatches)
 {
+    restart<RendererGL46>();
+    const Show whole = play(MemberBlocks::Own, ownSceneCount);
     const LimitedUniformBlocks threeMembersABatch(48);
     restart<RendererGL46>();
-    play(MemberBlocks::Own, ownSceneCount);
+    const Show split = play(MemberBlocks::Own, ownSceneCount);
+    EXPECT_EQ(split.unequalPictures, 0u);
+    EXPECT_EQ(countUnequal(whole.pictures, split.pictures), 0u);
+    EXPECT_GT(split.mergedBatches, whole.mergedBatches);
 }
 
 TEST_F(RandomSceneDeviceTest, MembersKeepTheirStorageBlocks)
 {
     SoPreferences::setBool("KVR_SHADER_BUFFERS_MERGING_USE_UBO", false);
     restart<RendererGL46>(storageHeader);
-    play(MemberBlocks::Own, ownSceneCount, 0);
+    const Show show = play(MemberBlocks::Own, ownSceneCount, 0);
+    EXPECT_EQ(show.unequalPictures, 0u);
+    EXPECT_GT(show.paintedScenes, ownSceneCount * 9 / 10);
+    EXPECT_GE(show.mergedBatches, show.drawsOfSeveralMembers);
 }
 
 TEST_F(RandomSceneDeviceTest, SettingForDrawsOfOneMemberIsNotSeen)
 {
     SoPreferences::setBool("KVR_RENDERENGINE_ENABLE_PRIMITIVES_MERGING", false);
     restart<RendererGL41>();
-    play(MemberBlocks::Shared, sharedSceneCount);
+    const Show show = play(MemberBlocks::Shared, sharedSceneCount);
+    EXPECT_EQ(show.unequalPictures, 0u);
+    EXPECT_GT(show.paintedScenes, sharedSceneCount * 9 / 10);
+    EXPECT_EQ(show.mergedBatches, show.drawsOfSeveralMembers) << "the others are drawn range by range";
+    EXPECT_GT(show.drawsOfSeveralMembers, 0u);
 }
 
 } // namespace

@@ -133,10 +133,25 @@ TEST_F(RenderTargetGLDeviceTest, EightColourAttachmentsAreComplete)
     EXPECT_EQ(pixel(GL_COLOR_ATTACHMENT7), s_green);
 }
 
-TEST_F(RenderTargetGLDeviceTest, MultisampleTexturesAreComplete)
+TEST_F(RenderTargetGLDeviceTest, MultisampleTexturesAreCompleteAndResolve)
 {
     add(0, makeTexture(3));
     build();
+    EXPECT_EQ(integer(GL_SAMPLES), 4);
+    clear(0, 0, 1, 0);
+
+    RenderTargetGL resolved;
+    RenderTargetProperties list;
+    list.attachments.resize(1);
+    const auto texture = makeTexture();
+    resolved.update(list, {texture});
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, target.getFramebuffer());
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, resolved.getFramebuffer());
+    glBlitFramebuffer(0, 0, 8, 8, 0, 0, 8, 8, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    resolved.bind();
+    EXPECT_EQ(pixel(GL_COLOR_ATTACHMENT0), s_green);
+    resolved.destroy();
+    texture->destroy();
 }
 
 TEST_F(RenderTargetGLDeviceTest, TheLayerOfEachLayeredTargetIsDrawn)

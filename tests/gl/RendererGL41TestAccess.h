@@ -4,6 +4,7 @@
 #include "gl/RendererGL41.h"
 #include "support/VirtualSlot.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -21,6 +22,14 @@ struct RendererGL41TestAccess
         {
             renderer.mergeShaderBuffers(*batch, needRebuild);
         }
+    }
+
+    /// How many batches of the draw own merged buffers; 0 when it is drawn range by range.
+    static std::size_t countMergedBatches(const RendererGL41& renderer, const DrawHandle& draw)
+    {
+        const auto& batches = renderer.m_tables.draws.find(draw)->batches;
+        return static_cast<std::size_t>(
+            std::count_if(batches.begin(), batches.end(), [](const auto& batch) { return batch->built; }));
     }
 
     /// The slots of the operations that this renderer adds to those of its base, in their order.

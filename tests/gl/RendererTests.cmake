@@ -13,7 +13,9 @@ renderengine_add_test(gl_renderer_tests
     RendererFrameTest.cpp
     RendererGL46SequenceTest.cpp
     RendererGL46Test.cpp
+    RendererIndexSequenceTest.cpp
     RendererMergeTest.cpp
+    RendererOverallAttributeTest.cpp
     RendererPlainDrawTest.cpp
     RendererResourceTest.cpp
     RendererSequenceTest.cpp

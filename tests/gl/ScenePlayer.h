@@ -29,6 +29,9 @@ public:
     void drawMerged();
     void drawMerged(size_t draw);
 
+    /// The draws of drawMerged(), in the order of the scene's.
+    const std::vector<DrawHandle>& getMergedDraws() const { return m_mergedDraws; }
+
     /// Draws each range of each member by a draw of its own, which the renderer cannot merge with anything.
     void drawRangeByRange();
     void drawRangeByRange(size_t draw);

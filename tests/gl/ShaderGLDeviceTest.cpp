@@ -5,7 +5,6 @@
 #include "gl/ShaderProgramGL.h"
 
 #include <array>
-#include <utility>
 #include <vector>
 
 namespace renderengine
@@ -154,17 +153,33 @@ TEST_F(ShaderGL41DeviceTest, ReflectsUniformBlocksWithoutInterfaceQueries)
 
 TEST_F(ShaderGLDeviceTest, EveryStageCompiles)
 {
-    const std::vector<std::pair<uint32_t, const char*>> stages{
-        {Vertex, "#version 410\nvoid main() { gl_Position = vec4(0.0); }"},
-        {Geometry, "#version 410\nlayout(points) in; layout(points, max_vertices = 1) out;\n"
-                   "void main() { gl_Position = vec4(0.0); EmitVertex(); }"},
-        {Fragment, s_fragment},
-        {TessControl, "#version 410\nlayout(vertices = 3) out;\nvoid main() { gl_TessLevelOuter[0] = 1.0; }"},
-        {TessEvaluation, "#version 410\nlayout(triangles) in;\nvoid main() { gl_Position = vec4(0.0); }"},
-        {Compute, "#version 430\nlayout(local_size_x = 1) in;\nvoid main() {}"}};
-    for (const auto& [stage, source] : stages)
+    struct Row
     {
-        glDeleteShader(compile(stage, source));
+        uint32_t stage;
+        GLenum type;
+        const char* source;
+    };
+    for (const Row& row :
+         {Row{Vertex, GL_VERTEX_SHADER, "#version 410\nvoid main() { gl_Position = vec4(0.0); }"},
+          Row{Geometry, GL_GEOMETRY_SHADER,
+              "#version 410\nlayout(points) in; layout(points, max_vertices = 1) out;\n"
+              "void main() { gl_Position = vec4(0.0); EmitVertex(); }"},
+          Row{Fragment, GL_FRAGMENT_SHADER, s_fragment},
+          Row{TessControl, GL_TESS_CONTROL_SHADER,
+              "#version 410\nlayout(vertices = 3) out;\nvoid main() { gl_TessLevelOuter[0] = 1.0; }"},
+          Row{TessEvaluation, GL_TESS_EVALUATION_SHADER,
+              "#version 410\nlayout(triangles) in;\nvoid main() { gl_Position = vec4(0.0); }"},
+          Row{Compute, GL_COMPUTE_SHADER, "#version 430\nlayout(local_size_x = 1) in;\nvoid main() {}"}})
+    {
+        SCOPED_TRACE(row.stage);
+        const GLuint shader = compile(row.stage, row.source);
+        GLint type = 0;
+        GLint status = GL_FALSE;
+        glGetShaderiv(shader, GL_SHADER_TYPE, &type);
+        glGetShaderiv(shader, GL_COMPILE_STATUS, &status);
+        EXPECT_EQ(static_cast<GLenum>(type), row.type);
+        EXPECT_EQ(status, GL_TRUE);
+        glDeleteShader(shader);
     }
 }
 

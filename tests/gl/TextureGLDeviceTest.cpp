@@ -53,12 +53,12 @@ protected:
         return std::vector<uint8_t>(data, data + texture.getDataSize());
     }
 
-    /// Uploads level 0 of every target and reads it back.
-    void roundTrips(bool immutable)
+    /// Uploads level 0 of every target and reads it back. Returns the targets of which other bytes came back.
+    Texts targetsThatLosePixels(bool immutable)
     {
+        Texts losing;
         for (const Case& c : s_cases)
         {
-            SCOPED_TRACE(c.name);
             const auto pixels = pattern(c.images * c.bytes);
             TextureProperties properties = propertiesOf(c);
             properties.immutable = immutable;
@@ -67,10 +67,13 @@ protected:
                 properties.data.push_back(pixels.data() + i * c.bytes);
             }
             TextureGL texture(properties);
-            EXPECT_EQ(texture.getDataSize(), pixels.size());
-            EXPECT_EQ(readBack(texture), pixels);
+            if (readBack(texture) != pixels)
+            {
+                losing.emplace_back(c.name);
+            }
             texture.destroy();
         }
+        return losing;
     }
 };
 
@@ -90,26 +93,26 @@ protected:
 
 TEST_F(TextureGLDeviceTest, MutableTexturesKeepTheirPixels)
 {
-    roundTrips(false);
+    EXPECT_EQ(targetsThatLosePixels(false), Texts{});
 }
 
 TEST_F(TextureGLDeviceTest, ImmutableTexturesKeepTheirPixels)
 {
-    roundTrips(true);
+    EXPECT_EQ(targetsThatLosePixels(true), Texts{});
 }
 
 TEST_F(TextureGLCoreDeviceTest, TexturesKeepTheirPixels)
 {
-    roundTrips(false);
-    roundTrips(true);
+    EXPECT_EQ(targetsThatLosePixels(false), Texts{});
+    EXPECT_EQ(targetsThatLosePixels(true), Texts{});
 }
 
 TEST_F(TextureGL41DeviceTest, TexturesKeepTheirPixels)
 {
     EXPECT_EQ(glbinding::t_table->majorVersion, 4);
     EXPECT_EQ(glbinding::t_table->minorVersion, 1);
-    roundTrips(false);
-    roundTrips(true);
+    EXPECT_EQ(targetsThatLosePixels(false), Texts{});
+    EXPECT_EQ(targetsThatLosePixels(true), Texts{});
 }
 
 TEST_F(TextureGLDeviceTest, LevelsShrinkAndStayAtOnePixel)
