@@ -5,8 +5,6 @@
 #include <spdlog/spdlog.h>
 
 #include <atomic>
-#include <locale>
-#include <sstream>
 
 namespace renderengine
 {
@@ -148,11 +146,7 @@ void ShaderProgramGL::storeUniform(const std::string& name, GLint size, GLint lo
     uniforms.set(plainName, location);
     for (GLint i = 1; i < size; ++i)
     {
-        std::ostringstream stream;
-        // The global locale of the host may group digits.
-        stream.imbue(std::locale::classic());
-        stream << plainName << '[' << i << ']';
-        const std::string elementName = stream.str();
+        const std::string elementName = plainName + '[' + std::to_string(i) + ']';
         const GLint computed = location + i;
         uniforms.set(elementName, computed);
         const GLint reported = glGetUniformLocation(id, elementName.c_str());

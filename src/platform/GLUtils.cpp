@@ -19,6 +19,7 @@
 #include <spdlog/spdlog.h>
 
 #include <cstdlib>
+#include <locale>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -273,6 +274,7 @@ bool makeCurrent(HDC display, int /*drawable*/, HGLRC context)
     // Asking for the thread's number clears the reason on Windows.
     const unsigned long error = platform().lastError();
     std::ostringstream text;
+    text.imbue(std::locale::classic()); // a host's locale may group digits
     text << "Thread " << std::this_thread::get_id() << " Context " << static_cast<const void*>(context) << " Display "
          << static_cast<const void*>(display);
     reportPlatformError("renderengine::utils::GL::makeCurrent", text.str(), error);

@@ -13,6 +13,7 @@
 #include <kavelor/SoError.h>
 #include <kavelor/SoPreferences.h>
 
+#include <locale>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -26,7 +27,10 @@ namespace
 
 using glbinding::RecordingGL;
 using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using testing::LogLines;
+using ::testing::Not;
 using ::testing::StartsWith;
 using Calls = std::vector<std::string>;
 
@@ -61,6 +65,26 @@ TEST(GLUtils, MakeCurrentGivesUpAfterFiveTries)
          << " (error 2000: scripted failure";
     EXPECT_EQ(log.take(), Calls{line.str()});
     EXPECT_EQ(utils::GL::getCurrentContext(), nullptr);
+}
+
+/// Digits in groups of three, as many a host's locale has them.
+class GroupedDigits : public std::numpunct<char>
+{
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(GLUtils, NumbersInAReportAreNotGroupedByTheLocaleOfTheHost)
+{
+    ScriptedPlatform platform;
+    LogLines log;
+    HDC display = platform.makeHostDisplay();
+    HGLRC context = platform.createContext(display);
+    platform.failingBinds = 5;
+    const std::locale host = std::locale::global(std::locale(std::locale::classic(), new GroupedDigits));
+    EXPECT_FALSE(utils::GL::makeCurrent(display, 0, context));
+    std::locale::global(host);
+    EXPECT_THAT(log.take(), ElementsAre(Not(HasSubstr("."))));
 }
 
 TEST(GLUtils, ErrorWithoutATextIsUnknown)
