@@ -302,7 +302,7 @@ protected:
     RenderTargetHandle m_reversePresentRenderTarget;
     TextureHandle m_presentColorTexture;
     TextureHandle m_presentDepthTexture;
-    TextureHandle m_reversePresentColorTexture; // kept for the client; no renderer reads it
+    TextureHandle m_reversePresentColorTexture; // nothing reads or sets it
     TextureHandle m_reversePresentDepthTexture; // likewise
 
     // Atomic because setSize() may run while the render thread reads them.

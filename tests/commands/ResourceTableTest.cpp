@@ -134,6 +134,10 @@ TEST(ResourceTable, GetGrowsTheSlotsUpToTheHandle)
     BufferTable::Slot& slot = table.get(BufferHandle(1000));
     EXPECT_EQ(slot, nullptr);
     EXPECT_EQ(&slot - &table.get(BufferHandle(0)), 1000) << "1001 slots, and this one is the last";
+    for (uint32_t id = 0; id <= 1000; ++id)
+    {
+        EXPECT_EQ(table.find(BufferHandle(id)), nullptr) << id;
+    }
     int destroyCalls = 0;
     slot = std::make_shared<Resource>(&destroyCalls);
     EXPECT_EQ(table.get(BufferHandle(1000)), slot);

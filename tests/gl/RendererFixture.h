@@ -5,6 +5,8 @@
 
 #include "gl/StateGL.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -37,6 +39,14 @@ protected:
         gl.clear();
         run<Command>(std::forward<Arguments>(arguments)...);
         return gl.takeCalls();
+    }
+
+    /// How many of the calls contain the text.
+    static size_t countOf(const Texts& calls, const std::string& text)
+    {
+        return static_cast<size_t>(std::count_if(calls.begin(), calls.end(),
+                                                 [&text](const std::string& call)
+                                                 { return call.find(text) != std::string::npos; }));
     }
 
     Texts drawCalls(const Scene& scene) { return callsOf<CommandRender>(scene.draw); }

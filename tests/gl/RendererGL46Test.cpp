@@ -117,6 +117,13 @@ TEST_F(RendererGL46Test, AsManyMembersAsFitStayInOneBatch)
     EXPECT_EQ(gl.countOf("glMultiDrawElementsBaseVertex("), 2u);
     // The last member stands alone: nothing is merged for it.
     EXPECT_EQ(gl.callsMatching("glUniform1i(1"), (Texts{"glUniform1i(1, 1)", "glUniform1i(1, 0)"}));
+
+    members.emplace_back(transform, material);
+    const DrawHandle splitInTwo = makeMergedDraw(scene, members);
+    gl.clear();
+    run<CommandRender>(splitInTwo);
+    EXPECT_EQ(gl.countOf("glMultiDrawElementsBaseVertex("), 2u);
+    EXPECT_EQ(gl.callsMatching("glUniform1i(1"), (Texts{"glUniform1i(1, 1)", "glUniform1i(1, 1)"}));
 }
 
 TEST_F(RendererGL46Test, BlocksThatExceedAUniformBlockLeaveEachMemberInABatchOfItsOwn)
@@ -212,6 +219,22 @@ TEST_F(RendererGL46Test, ImagesAreBoundOnceAndNamedByTheirUnit)
     run<CommandRender>(scene.draw);
     EXPECT_EQ(gl.callsMatching("glBindImageTexture("),
               Texts{"glBindImageTexture(3, 0, 0, GL_FALSE, 0, GL_READ_ONLY, GL_R8)"});
+}
+
+TEST_F(RendererGL46Test, ImagesAreNamedAgainAfterTheProgramWasLinkedAgain)
+{
+    Scene scene = makeScene();
+    scene.shaderState.textureImages = {makeImage("color", 3)};
+    updateState(scene);
+    run<CommandRender>(scene.draw);
+    ShaderStateProperties shaderState;
+    static_cast<ShaderStateCoreProperties&>(shaderState) = scene.shaderState;
+    run<CommandBeginTransformFeedback>(TransformFeedbackProperties(), shaderState);
+    run<CommandEndTransformFeedback>();
+    const Texts calls = drawCalls(scene);
+    EXPECT_EQ(countOf(calls, "glUniform1i(2, 3)"), 1u) << "linking sets a uniform back to 0";
+    EXPECT_EQ(countOf(calls, "glBindImageTexture("), 0u) << "the image itself is still bound";
+    EXPECT_EQ(countOf(drawCalls(scene), "glUniform1i(2, 3)"), 0u);
 }
 
 TEST_F(RendererGL46Test, UnitsThatFallAwayAreUnboundAndUnitsAboveSevenSkipped)

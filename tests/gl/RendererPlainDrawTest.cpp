@@ -3,7 +3,6 @@
 
 #include "RendererFixture.h"
 
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -47,13 +46,6 @@ protected:
         EXPECT_EQ(calls, callsOfANewDraw());
         EXPECT_EQ(calls, drawCalls(scene));
         return calls;
-    }
-
-    static size_t countOf(const Texts& calls, const std::string& text)
-    {
-        return static_cast<size_t>(std::count_if(calls.begin(), calls.end(),
-                                                 [&text](const std::string& call)
-                                                 { return call.find(text) != std::string::npos; }));
     }
 
     Scene scene;

@@ -108,6 +108,73 @@ TEST_F(RendererGL41ResourceTest, CopyTestsBothHandles)
     EXPECT_EQ(log.take(), error("Trying to copy data between invalid buffers."));
 }
 
+TEST_F(RendererGL41ResourceTest, CopyReadsTheFirstBufferAndWritesTheSecond)
+{
+    const BufferHandle source = makeBuffer(32);
+    const BufferHandle destination = makeBuffer(64);
+    EXPECT_EQ(callsOf<CommandCopyBuffer>(source, destination, 4u, 8u, 16u),
+              (Texts{"glBindBuffer(GL_COPY_WRITE_BUFFER, 2)", "glBindBuffer(GL_COPY_READ_BUFFER, 1)",
+                     "glGetBufferParameteri64v(GL_COPY_READ_BUFFER, GL_BUFFER_SIZE, <pointer>)",
+                     "glCopyBufferSubData(GL_COPY_READ_BUFFER, GL_COPY_WRITE_BUFFER, 4, 8, 16)",
+                     "glBindBuffer(GL_COPY_WRITE_BUFFER, 0)", "glBindBuffer(GL_COPY_READ_BUFFER, 0)"}));
+}
+
+TEST_F(RendererGL41ResourceTest, UpdateThatRunsAgainAfterItsDataWasFreedKeepsTheContent)
+{
+    const BufferHandle buffer = makeBuffer(4);
+    const std::array<uint8_t, 4> data = {1, 2, 3, 4};
+    BufferProperties properties;
+    properties.size = data.size();
+    properties.data = data.data();
+    CommandUpdateBuffer command;
+    command.set(buffer, properties);
+    renderer->execute(command);
+    gl.clear();
+    renderer->execute(command);
+    EXPECT_EQ(gl.takeCalls(), Texts{});
+    EXPECT_EQ(gl.bufferContent(1), (std::vector<std::byte>{std::byte{1}, std::byte{2}, std::byte{3}, std::byte{4}}));
+}
+
+TEST_F(RendererGL41ResourceTest, MipmapsAreMadeOfTheTextureThatIsNamed)
+{
+    makeTexture();
+    const TextureHandle second = makeTexture();
+    EXPECT_EQ(callsOf<CommandGenerateMipmap>(second),
+              (Texts{"glEnable(GL_TEXTURE_CUBE_MAP_SEAMLESS)", "glGetIntegerv(GL_TEXTURE_BINDING_2D, <pointer>)",
+                     "glBindTexture(GL_TEXTURE_2D, 2)", "glGenerateMipmap(GL_TEXTURE_2D)",
+                     "glBindTexture(GL_TEXTURE_2D, 0)"}));
+}
+
+TEST_F(RendererGL41ResourceTest, PartialUpdatesReachTheTextureThatIsNamed)
+{
+    makeTexture();
+    const TextureHandle second = makeTexture();
+    const std::array<uint32_t, 2> pixels = {1, 2};
+    TextureUpdateBatchData part;
+    part.x = 1;
+    part.y = 3;
+    part.width = 2;
+    part.height = 1;
+    part.depth = 1;
+    part.data = pixels.data();
+    gl.clear();
+    run<CommandUpdateTextureBatchData>(second, TextureUpdateBatchDataProperties{part});
+    EXPECT_EQ(gl.countOf("glBindTexture(GL_TEXTURE_2D, 2)"), 1u);
+    EXPECT_EQ(gl.callsMatching("glTexSubImage2D("),
+              Texts{"glTexSubImage2D(GL_TEXTURE_2D, 0, 1, 3, 2, 1, GL_RGBA, GL_UNSIGNED_BYTE, <pointer>)"});
+}
+
+TEST_F(RendererGL41ResourceTest, UpdateOfASamplerSendsItsParameters)
+{
+    makeSampler();
+    const SamplerHandle second = makeSampler();
+    SamplerProperties properties;
+    properties.wrapS = 4;
+    const Texts calls = callsOf<CommandUpdateSampler>(second, properties);
+    ASSERT_FALSE(calls.empty());
+    EXPECT_EQ(calls.front(), "glSamplerParameteri(2, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)");
+}
+
 TEST_F(RendererGL41ResourceTest, CommandsThatDoNotTestTheirHandleAreSilent)
 {
     run<CommandUpdateVertexBuffer>(VertexBufferHandle(), VertexBufferProperties());

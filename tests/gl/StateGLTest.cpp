@@ -261,9 +261,11 @@ TEST_F(StateGLTest, CoreProfileSendsNeitherPointSmoothNorStipple)
     EXPECT_EQ(calls.size(), s_defaultRasterizer.size() - 2);
 }
 
-TEST_F(StateGLTest, CoreProfileStillCountsPointSmoothAsADifference)
+TEST_F(StateGLTest, CoreProfileStillCountsPointSmoothAndStippleAsDifferences)
 {
     SoPreferences::setBool("KVR_RENDERENGINE_USE_GLCORE", true);
+    EXPECT_EQ(difference([](GfxStateProperties& p) { p.rasterizer.lineStipplePattern = 1; }).size(),
+              s_defaultRasterizer.size() - 2);
     EXPECT_EQ(difference([](GfxStateProperties& p) { p.rasterizer.pointSmooth = true; }).size(),
               s_defaultRasterizer.size() - 2);
 }
